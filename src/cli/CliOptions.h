@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/session/HalvarnSession.h"
+
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+struct RegistryConfig;
+class RegistrySimulator;
+
+// The command line of "halvarn-cli download".
+struct CliOptions {
+    SessionInputs inputs;
+    QString dataDir;
+    QString dumpJson;
+    QString exportDir;
+    std::optional<QString> ssoBase;
+    std::optional<QString> apiBase;
+    std::optional<int> parallel;
+    std::optional<int> timeoutSeconds;
+    bool demo = false;
+    bool answerYes = false;
+
+    bool parse(const QStringList& arguments, QString& error);
+    void applyTo(RegistryConfig& config) const;
+};
+
+// Starts the embedded registry with its demo producer and fills the log-in
+// fields that the command line left empty; null when it cannot listen.
+std::unique_ptr<RegistrySimulator> StartDemoRegistry(SessionInputs& inputs);

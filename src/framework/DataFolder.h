@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+
+// The one folder that holds everything the program keeps: settings, the
+// producer list, exports, templates, PDFs and the error log.
+class DataFolder {
+public:
+    // --data-dir, else the environment's HALVARN_DATA_DIR, else the user's
+    // application data location.
+    static QString resolve(const QString& commandLineDir);
+
+    explicit DataFolder(QString root);
+
+    // Creates the folder and its missing subfolders; false when it cannot.
+    bool prepare() const;
+
+    const QString& root() const { return root_; }
+    QString settingsFile() const { return file(QStringLiteral("HALVARN.INI")); }
+    QString commonSettingsFile() const { return file(QStringLiteral("COMMON.INI")); }
+    QString producerListFile() const { return file(QStringLiteral("KNTRH_V002.DAT")); }
+    QString exportFolder() const { return file(QStringLiteral("EXPORT")) + u'/'; }
+    QString templatesFolder() const { return file(QStringLiteral("SZABLONY")) + u'/'; }
+    QString pdfFolder() const { return file(QStringLiteral("PDF")) + u'/'; }
+
+private:
+    QString file(const QString& name) const { return root_ + u'/' + name; }
+
+    QString root_;
+};
+
+// Start-up switches of "COMMON.INI", section "PARAM".
+struct CommonSettings {
+    bool tester = false;
+    bool torvLogin = false;
+
+    static CommonSettings read(const QString& path);
+};

@@ -1,0 +1,136 @@
+#include "framework/IniFile.h"
+
+#include "framework/Cp1250.h"
+#include "framework/SafeFile.h"
+
+#include <QFile>
+
+#include <algorithm>
+
+namespace {
+bool SameName(const QString& a, const QString& b)
+{
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+} // namespace
+
+IniFile::IniFile(QString path) : path_(std::move(path))
+{
+    load();
+}
+
+void IniFile::load()
+{
+    sections_.assign(1, Section{});
+    QFile file(path_);
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    const QString text = FromCp1250(file.readAll());
+    for (QStringView raw : QStringView(text).split(u'\n')) {
+        const QStringView line = raw.trimmed();
+        if (line.startsWith(u'[') && line.endsWith(u']')) {
+            sections_.push_back(Section{line.mid(1, line.size() - 2).trimmed().toString(), {}});
+            continue;
+        }
+        const auto eq = line.indexOf(u'=');
+        const bool comment = line.startsWith(u';') || line.startsWith(u'#');
+        if (eq > 0 && !comment)
+            sections_.back().lines.push_back({line.left(eq).trimmed().toString(), line.toString()});
+        else if (!line.isEmpty())
+            sections_.back().lines.push_back({QString(), line.toString()});
+    }
+}
+
+void IniFile::save() const
+{
+    QString text;
+    for (const Section& section : sections_) {
+        if (!section.name.isNull())
+            text += u'[' + section.name + QStringLiteral("]\r\n");
+        for (const Line& line : section.lines)
+            text += line.text + QStringLiteral("\r\n");
+    }
+    WriteFileAtomically(path_, ToCp1250(text));
+}
+
+const IniFile::Section* IniFile::findSection(const QString& name) const
+{
+    for (const Section& section : sections_)
+        if (!section.name.isNull() && SameName(section.name, name))
+            return &section;
+    return nullptr;
+}
+
+bool IniFile::sectionExists(const QString& section) const
+{
+    return findSection(section) != nullptr;
+}
+
+const QString* IniFile::findValue(const QString& section, const QString& key) const
+{
+    const Section* found = findSection(section);
+    if (!found)
+        return nullptr;
+    for (const Line& line : found->lines)
+        if (!line.key.isEmpty() && SameName(line.key, key))
+            return &line.text;
+    return nullptr;
+}
+
+QString IniFile::readString(const QString& section, const QString& key, const QString& defaultValue) const
+{
+    const QString* line = findValue(section, key);
+    if (!line)
+        return defaultValue;
+    return line->mid(line->indexOf(u'=') + 1).trimmed();
+}
+
+int IniFile::readInteger(const QString& section, const QString& key, int defaultValue) const
+{
+    bool ok = false;
+    const int value = readString(section, key, QString()).toInt(&ok);
+    return ok ? value : defaultValue;
+}
+
+bool IniFile::readBool(const QString& section, const QString& key, bool defaultValue) const
+{
+    const QString text = readString(section, key, QString()).toLower();
+    if (text == u"true" || text == u"yes")
+        return true;
+    if (text == u"false" || text == u"no")
+        return false;
+    return readInteger(section, key, defaultValue ? 1 : 0) != 0;
+}
+
+void IniFile::writeInteger(const QString& section, const QString& key, int value)
+{
+    writeString(section, key, QString::number(value));
+}
+
+void IniFile::writeString(const QString& section, const QString& key, const QString& value)
+{
+    auto target = std::find_if(sections_.begin(), sections_.end(), [&section](const Section& s) {
+        return !s.name.isNull() && SameName(s.name, section);
+    });
+    if (target == sections_.end()) {
+        sections_.push_back(Section{section, {}});
+        target = std::prev(sections_.end());
+    }
+    const Line line{key, key + u'=' + value};
+    auto existing = std::find_if(target->lines.begin(), target->lines.end(),
+                                 [&key](const Line& l) { return !l.key.isEmpty() && SameName(l.key, key); });
+    if (existing != target->lines.end())
+        *existing = line;
+    else
+        target->lines.push_back(line);
+    save();
+}
+
+void IniFile::eraseSection(const QString& section)
+{
+    const auto erased = std::erase_if(sections_, [&section](const Section& s) {
+        return !s.name.isNull() && SameName(s.name, section);
+    });
+    if (erased > 0)
+        save();
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+class IniFile;
+
+// Where the registry is and how it is asked; section "IRZ" of the settings file.
+struct RegistryConfig {
+    QString ssoBase = QStringLiteral("https://sso.arimr.gov.pl");
+    QString apiBase = QStringLiteral("https://irz.arimr.gov.pl");
+    int maxParallelRequests = 8; // single-animal requests kept in flight; 1 = one after another
+    int getTimeoutMs = 150'000;
+    int postTimeoutMs = 450'000;
+
+    static RegistryConfig read(const IniFile& settings);
+};

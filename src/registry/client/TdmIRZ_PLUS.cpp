@@ -1,0 +1,243 @@
+#include "registry/client/TdmIRZ_PLUS.h"
+
+#include "framework/OperationHost.h"
+#include "registry/client/OrderedJson.h"
+
+#include <QHostAddress>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkInformation>
+#include <QUrl>
+
+namespace {
+QString DateText(TDateTime value)
+{
+    return ToDate(value).toString(u"yyyy-MM-dd");
+}
+
+QString Text(const char* utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+bool IsLoopback(const QString& base)
+{
+    const QString host = QUrl(base).host();
+    return host == u"localhost" || QHostAddress(host).isLoopback();
+}
+} // namespace
+
+TdmIRZ_PLUS::TdmIRZ_PLUS(RegistryConfig config, OperationHost& host) : config_(std::move(config)), host_(host) {}
+
+// Only a definite "offline" refuses; an unknown state counts as connected, and
+// a registry on this machine needs no network at all.
+bool TdmIRZ_PLUS::connected() const
+{
+    if (IsLoopback(config_.ssoBase))
+        return true;
+    if (!QNetworkInformation::instance())
+        QNetworkInformation::loadDefaultBackend();
+    const QNetworkInformation* info = QNetworkInformation::instance();
+    return !info || info->reachability() != QNetworkInformation::Reachability::Disconnected;
+}
+
+bool TdmIRZ_PLUS::Authorize(const QString& login, const QString& password)
+{
+    const QString caption = Text("Bład...");
+    if (!connected()) {
+        host_.showMessage(caption, Text("Program nie ma dostępu do internetu"), MessageIcon::Error);
+        return false;
+    }
+    // The values go in as typed, without percent-encoding.
+    const QString body = QStringLiteral("username=") + login + u'&' + QStringLiteral("password=") + password + u'&' +
+                         QStringLiteral("client_id=aplikacja-irzplus") + u'&' + QStringLiteral("grant_type=password");
+    QNetworkRequest request(QUrl(config_.ssoBase + QStringLiteral("/auth/realms/ewniosekplus/protocol/openid-connect/token")));
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/x-www-form-urlencoded"));
+    HttpExchange exchange(network_, HttpExchange::Verb::Post, request, body.toUtf8(), config_.getTimeoutMs);
+    const HttpResult& result = exchange.wait();
+    QString failure;
+    if (!result.transportError.isEmpty())
+        failure = result.transportError;
+    else if (result.status == 401)
+        failure = QStringLiteral("Unauthorized");
+    else if (result.httpError())
+        failure = result.statusLine;
+    else {
+        const QJsonValue token = QJsonDocument::fromJson(result.body).object().value(u"access_token");
+        if (token.isString() && !token.toString().isEmpty()) {
+            Token = token.toString();
+            return true;
+        }
+        failure = Text("odpowiedź serwera nie zawiera tokenu dostępu");
+    }
+    if (failure == u"Unauthorized")
+        host_.showMessage(caption, Text("Brak autoryzacji (Być może niepoprawny login/hasło)"), MessageIcon::Error);
+    else
+        host_.showMessage(caption, Text("Autoryzacja zakończona z błędem: ") + failure, MessageIcon::Error);
+    return false;
+}
+
+QString TdmIRZ_PLUS::apiUrl(const QString& path, bool testBranch) const
+{
+    return config_.apiBase + path.arg(testBranch ? QStringLiteral("test") : QStringLiteral("prod"));
+}
+
+QNetworkRequest TdmIRZ_PLUS::apiRequest(const QString& url, bool jsonBody) const
+{
+    // The query is built by plain concatenation; QUrl must not re-encode it.
+    QNetworkRequest request(QUrl(url, QUrl::TolerantMode));
+    request.setRawHeader("Accept", "application/json");
+    request.setRawHeader("Authorization", "Bearer " + Token.toUtf8());
+    if (jsonBody)
+        request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    return request;
+}
+
+std::unique_ptr<HttpExchange> TdmIRZ_PLUS::startGet(const QString& url)
+{
+    return std::make_unique<HttpExchange>(network_, HttpExchange::Verb::Get, apiRequest(url, false), QByteArray(),
+                                          config_.getTimeoutMs);
+}
+
+QString TdmIRZ_PLUS::getAnswer(HttpExchange& exchange)
+{
+    const HttpResult& result = exchange.wait();
+    if (!result.transportError.isEmpty())
+        throw RegistryError(result.transportError);
+    if (result.httpError())
+        return ErrorMarker + result.statusLine;
+    return QString::fromUtf8(result.body);
+}
+
+QString TdmIRZ_PLUS::GetJson(const QString& url)
+{
+    return getAnswer(*startGet(url));
+}
+
+QString TdmIRZ_PLUS::post(const QString& url, const QByteArray& body)
+{
+    HttpExchange exchange(network_, HttpExchange::Verb::Post, apiRequest(url, true), body, config_.postTimeoutMs);
+    const HttpResult& result = exchange.wait();
+    if (!result.transportError.isEmpty())
+        throw RegistryError(result.transportError);
+    if (result.httpError())
+        throw RegistryError(result.statusLine + u' ' + QString::fromUtf8(result.body.left(500)));
+    return QString::fromUtf8(result.body);
+}
+
+QString TdmIRZ_PLUS::ListHoldings(const QString& producerNumber, const QString& holdingNumber,
+                                  const QString& holdingType, const QString& holdingState, bool testBranch)
+{
+    OrderedJson body;
+    body.add(QStringLiteral("numerProducenta"), producerNumber);
+    if (!holdingNumber.isEmpty())
+        body.add(QStringLiteral("numerDzialalnosci"), holdingNumber);
+    if (!holdingType.isEmpty())
+        body.add(QStringLiteral("typDzialalnosci"), holdingType);
+    if (!holdingState.isEmpty())
+        body.add(QStringLiteral("stanDzialalnosci"), holdingState);
+    return post(apiUrl(QStringLiteral("/api/dzialalnosci/api/%1/dzialalnosci"), testBranch), body.toJson());
+}
+
+QString TdmIRZ_PLUS::ListAnimals(const QString& producerNumber, const QString& holdingNumber, const QString& species,
+                                 const QString& animalNumber, const QString& sex, const QString& breed,
+                                 const QString& useType, TDateTime stateDate, bool testBranch)
+{
+    QString query = QStringLiteral("?numerProducenta=") + producerNumber + QStringLiteral("&gatunek=") + species;
+    const auto optional = [&query](const char* key, const QString& value) {
+        if (!value.isEmpty())
+            query += u'&' + QLatin1String(key) + u'=' + value;
+    };
+    optional("numerDzialalnosci", holdingNumber);
+    optional("numerIdentyfikacyjnyRejestrowanegoZwierzecia", animalNumber);
+    optional("plec", sex);
+    optional("kodRasy", breed);
+    optional("typUzytkowy", useType);
+    if (stateDate > EmptyDate)
+        query += QStringLiteral("&stanDanych=") + DateText(stateDate);
+    return GetJson(apiUrl(QStringLiteral("/api/indywidualne/zwierze/api/%1/zwierzetaIndywidualne"), testBranch) + query);
+}
+
+QString TdmIRZ_PLUS::animalUrl(const QString& producerNumber, const QString& animalNumber, bool testBranch) const
+{
+    return apiUrl(QStringLiteral("/api/indywidualne/zwierze/api/%1/zwierzeIndywidualne"), testBranch) +
+           QStringLiteral("?numerProducenta=") + producerNumber + QStringLiteral("&numerIdentyfikacyjnyZwierzecia=") +
+           animalNumber;
+}
+
+QString TdmIRZ_PLUS::GetAnimal(const QString& producerNumber, const QString& animalNumber, bool testBranch)
+{
+    return GetJson(animalUrl(producerNumber, animalNumber, testBranch));
+}
+
+QString TdmIRZ_PLUS::ListDocuments(const QString& producerNumber, const QString& documentNumber, TDateTime dateFrom,
+                                   TDateTime dateTo, bool testBranch)
+{
+    QString query = QStringLiteral("?numerProducenta=") + producerNumber;
+    if (!documentNumber.isEmpty())
+        query += QStringLiteral("&numerDokumentu=") + documentNumber;
+    if (dateFrom > EmptyDate)
+        query += QStringLiteral("&dataPrzyjeciaOd=") + DateText(dateFrom);
+    if (dateTo > EmptyDate)
+        query += QStringLiteral("&dataPrzyjeciaDo=") + DateText(dateTo);
+    return GetJson(apiUrl(QStringLiteral("/api/dokumenty/dokument/api/%1/listaDokumentow"), testBranch) + query);
+}
+
+QString TdmIRZ_PLUS::SubmitUseChange(const QString& producerNumber, const QString& organisationalUnit,
+                                     const QString& holdingNumber, const QString& species, TDateTime date,
+                                     const QString& animalNumber, const QString& useType,
+                                     const QString& useDirection, bool testBranch)
+{
+    const QString kod = QStringLiteral("kod");
+    OrderedJson position;
+    position.add(QStringLiteral("lp"), QStringLiteral("1"));
+    position.add(QStringLiteral("numerIdentyfikacyjnyZwierzecia"), animalNumber);
+    if (!useType.isEmpty())
+        position.add(QStringLiteral("typUzytkowy"), OrderedJson().add(kod, useType));
+    if (!useDirection.isEmpty())
+        position.add(QStringLiteral("kierunekUzytkowy"), OrderedJson().add(kod, useDirection));
+    const QString reason = !useType.isEmpty() && !useDirection.isEmpty() ? QStringLiteral("ZTK")
+                           : !useType.isEmpty()                         ? QStringLiteral("ZTU")
+                                                                        : QStringLiteral("ZKU");
+    position.add(QStringLiteral("celZmiany"), OrderedJson().add(kod, reason));
+
+    OrderedJson notice;
+    notice.add(QStringLiteral("numerDzialalnosci"), holdingNumber);
+    notice.add(QStringLiteral("gatunek"), OrderedJson().add(kod, species));
+    notice.add(QStringLiteral("dataOkresleniaTypuIKierunkuUzytkowania"), DateText(date));
+    notice.addArray(QStringLiteral("pozycje"), {position});
+
+    OrderedJson body;
+    body.add(QStringLiteral("numerProducenta"), producerNumber);
+    if (!organisationalUnit.isEmpty())
+        body.add(QStringLiteral("komorkaOrganizacyjna"), organisationalUnit);
+    body.add(QStringLiteral("zgloszenie"), notice);
+    return post(apiUrl(QStringLiteral("/api/indywidualne/dokument/api/%1/ztuku"), testBranch), body.toJson());
+}
+
+TdmIRZ_PLUS::AnimalQueue TdmIRZ_PLUS::animalQueue(const QString& producerNumber, QStringList animals, bool testBranch)
+{
+    return AnimalQueue(*this, producerNumber, std::move(animals), testBranch);
+}
+
+TdmIRZ_PLUS::AnimalQueue::AnimalQueue(TdmIRZ_PLUS& client, QString producerNumber, QStringList animals, bool test)
+    : client_(client), producerNumber_(std::move(producerNumber)), animals_(std::move(animals)), test_(test)
+{
+}
+
+void TdmIRZ_PLUS::AnimalQueue::fill()
+{
+    const auto limit = static_cast<std::size_t>(std::max(1, client_.config_.maxParallelRequests));
+    while (inFlight_.size() < limit && requested_ < animals_.size())
+        inFlight_.push_back(client_.startGet(client_.animalUrl(producerNumber_, animals_[requested_++], test_)));
+}
+
+QString TdmIRZ_PLUS::AnimalQueue::next()
+{
+    fill();
+    std::unique_ptr<HttpExchange> exchange = std::move(inFlight_.front());
+    inFlight_.pop_front();
+    ++nextIndex_;
+    fill();
+    return client_.getAnswer(*exchange);
+}

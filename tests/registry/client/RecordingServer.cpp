@@ -1,0 +1,60 @@
+#include "RecordingServer.h"
+
+#include <QTimer>
+
+RecordingServer::RecordingServer(Responder responder) : responder_(std::move(responder))
+{
+    server_.listen(QHostAddress::LocalHost, 0);
+    connect(&server_, &QTcpServer::newConnection, this, &RecordingServer::accept);
+}
+
+QString RecordingServer::baseUrl() const
+{
+    return QStringLiteral("http://127.0.0.1:%1").arg(server_.serverPort());
+}
+
+void RecordingServer::accept()
+{
+    while (QTcpSocket* socket = server_.nextPendingConnection()) {
+        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { readFrom(socket); });
+        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    }
+}
+
+void RecordingServer::readFrom(QTcpSocket* socket)
+{
+    QByteArray& data = pending_[socket];
+    data += socket->readAll();
+    const qsizetype headerEnd = data.indexOf("\r\n\r\n");
+    if (headerEnd < 0)
+        return;
+    Request request;
+    const QList<QByteArray> lines = data.left(headerEnd).split('\n');
+    const QList<QByteArray> first = lines.front().trimmed().split(' ');
+    request.method = first.value(0);
+    request.target = first.value(1);
+    for (qsizetype i = 1; i < lines.size(); ++i) {
+        const qsizetype colon = lines[i].indexOf(':');
+        request.headers.insert(lines[i].left(colon).trimmed().toLower(), lines[i].mid(colon + 1).trimmed());
+    }
+    const qsizetype length = request.headers.value("content-length").toLongLong();
+    if (data.size() < headerEnd + 4 + length)
+        return;
+    request.body = data.mid(headerEnd + 4, length);
+    pending_.remove(socket);
+    requests_.push_back(request);
+    const Reply reply = responder_(request);
+    if (reply.delayMs > 0)
+        QTimer::singleShot(reply.delayMs, socket, [socket, reply] { answer(socket, reply); });
+    else
+        answer(socket, reply);
+}
+
+void RecordingServer::answer(QTcpSocket* socket, const Reply& reply)
+{
+    const QByteArray reason = reply.status == 200 ? "OK" : reply.status == 401 ? "Unauthorized" : "Internal Server Error";
+    socket->write("HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reason + "\r\nContent-Type: application/json\r\n"
+                  "Content-Length: " + QByteArray::number(reply.body.size()) + "\r\nConnection: close\r\n\r\n" +
+                  reply.body);
+    socket->disconnectFromHost();
+}

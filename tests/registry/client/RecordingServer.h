@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <functional>
+#include <vector>
+
+// A one-thread HTTP server on 127.0.0.1 that records every request exactly as
+// it arrived and answers with whatever the test decides.
+class RecordingServer : public QObject {
+public:
+    struct Request {
+        QByteArray method;
+        QByteArray target; // path and query, as sent
+        QHash<QByteArray, QByteArray> headers; // lower-case names
+        QByteArray body;
+    };
+    struct Reply {
+        int status = 200;
+        QByteArray body;
+        int delayMs = 0;
+    };
+    using Responder = std::function<Reply(const Request&)>;
+
+    explicit RecordingServer(Responder responder);
+    QString baseUrl() const;
+    const std::vector<Request>& requests() const { return requests_; }
+
+private:
+    void accept();
+    void readFrom(QTcpSocket* socket);
+    static void answer(QTcpSocket* socket, const Reply& reply);
+
+    QTcpServer server_;
+    Responder responder_;
+    std::vector<Request> requests_;
+    QHash<QTcpSocket*, QByteArray> pending_;
+};

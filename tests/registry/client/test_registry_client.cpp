@@ -1,0 +1,272 @@
+#include "RecordingServer.h"
+#include "support/RecordingHost.h"
+
+#include "registry/client/TdmIRZ_PLUS.h"
+
+#include <QTest>
+#include <QUrlQuery>
+
+namespace {
+using Reply = RecordingServer::Reply;
+
+RecordingServer::Responder Always(int status, QByteArray body)
+{
+    return [status, body](const RecordingServer::Request&) { return Reply{status, body, 0}; };
+}
+
+RegistryConfig ConfigFor(const RecordingServer& server)
+{
+    RegistryConfig config;
+    config.ssoBase = config.apiBase = server.baseUrl();
+    return config;
+}
+
+TDateTime Day(int y, int m, int d)
+{
+    return ToDateTime(QDate(y, m, d));
+}
+} // namespace
+
+class TestRegistryClient : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void logInSendsTheFormBodyAsTyped();
+    void logInFailuresShowTheirMessage_data();
+    void logInFailuresShowTheirMessage();
+    void getRequestsCarryTheTokenAndBuildTheirQuery_data();
+    void getRequestsCarryTheTokenAndBuildTheirQuery();
+    void postBodiesKeepKeyOrderAndOmitEmptyValues_data();
+    void postBodiesKeepKeyOrderAndOmitEmptyValues();
+    void httpErrorsOfGetsBecomeTheMarker();
+    void failuresOfPostsAndTimeOutsRaise();
+    void animalQueueHandsOutAnswersInListOrder_data();
+    void animalQueueHandsOutAnswersInListOrder();
+};
+
+void TestRegistryClient::logInSendsTheFormBodyAsTyped()
+{
+    RecordingServer server(Always(200, R"({"access_token":"abc"})"));
+    RecordingHost host;
+    TdmIRZ_PLUS client(ConfigFor(server), host);
+    QVERIFY(client.Authorize(QStringLiteral("jan.kowalski"), QStringLiteral("a&b=c ł")));
+    QCOMPARE(client.Token, QStringLiteral("abc"));
+    const auto& request = server.requests().at(0);
+    QCOMPARE(request.method, QByteArray("POST"));
+    QCOMPARE(request.target, QByteArray("/auth/realms/ewniosekplus/protocol/openid-connect/token"));
+    QCOMPARE(request.headers.value("content-type"), QByteArray("application/x-www-form-urlencoded"));
+    QCOMPARE(QString::fromUtf8(request.body),
+             QStringLiteral("username=jan.kowalski&password=a&b=c ł&client_id=aplikacja-irzplus&grant_type=password"));
+    QVERIFY(host.messages.empty());
+}
+
+void TestRegistryClient::logInFailuresShowTheirMessage_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("refused") << 401 << QByteArray(R"({"error":"invalid_grant"})")
+                             << QStringLiteral("Brak autoryzacji (Być może niepoprawny login/hasło)");
+    QTest::newRow("server error") << 500 << QByteArray("{}")
+                                  << QStringLiteral("Autoryzacja zakończona z błędem: HTTP/1.1 500 Internal Server Error");
+    QTest::newRow("not json") << 200 << QByteArray("<html>")
+                              << QStringLiteral("Autoryzacja zakończona z błędem: odpowiedź serwera nie zawiera tokenu dostępu");
+}
+
+void TestRegistryClient::logInFailuresShowTheirMessage()
+{
+    QFETCH(int, status);
+    QFETCH(QByteArray, body);
+    QFETCH(QString, message);
+    RecordingServer server(Always(status, body));
+    RecordingHost host;
+    TdmIRZ_PLUS client(ConfigFor(server), host);
+    QVERIFY(!client.Authorize(QStringLiteral("u"), QStringLiteral("p")));
+    QCOMPARE(host.messages.size(), 1u);
+    QCOMPARE(host.messages[0].caption, QStringLiteral("Bład..."));
+    QCOMPARE(host.messages[0].text, message);
+    QCOMPARE(host.messages[0].icon, MessageIcon::Error);
+}
+
+void TestRegistryClient::getRequestsCarryTheTokenAndBuildTheirQuery_data()
+{
+    QTest::addColumn<int>("request");
+    QTest::addColumn<QByteArray>("target");
+    QTest::newRow("animals, all filters")
+        << 0
+        << QByteArray("/api/indywidualne/zwierze/api/prod/zwierzetaIndywidualne?numerProducenta=071234562&gatunek=BYD"
+                      "&numerDzialalnosci=071234562-001&numerIdentyfikacyjnyRejestrowanegoZwierzecia=PL1&plec=XX"
+                      "&kodRasy=HO&typUzytkowy=ML&stanDanych=2026-11-01");
+    QTest::newRow("animals, no date, test branch")
+        << 1 << QByteArray("/api/indywidualne/zwierze/api/test/zwierzetaIndywidualne?numerProducenta=071234562&gatunek=BYD");
+    QTest::newRow("single animal")
+        << 2
+        << QByteArray("/api/indywidualne/zwierze/api/prod/zwierzeIndywidualne?numerProducenta=071234562"
+                      "&numerIdentyfikacyjnyZwierzecia=PL005123456789");
+    QTest::newRow("documents")
+        << 3
+        << QByteArray("/api/dokumenty/dokument/api/prod/listaDokumentow?numerProducenta=071234562&numerDokumentu=D/1"
+                      "&dataPrzyjeciaOd=2026-01-01&dataPrzyjeciaDo=2026-11-01");
+    QTest::newRow("documents, no filters")
+        << 4 << QByteArray("/api/dokumenty/dokument/api/prod/listaDokumentow?numerProducenta=071234562");
+}
+
+void TestRegistryClient::getRequestsCarryTheTokenAndBuildTheirQuery()
+{
+    QFETCH(int, request);
+    QFETCH(QByteArray, target);
+    RecordingServer server(Always(200, "{}"));
+    RecordingHost host;
+    TdmIRZ_PLUS client(ConfigFor(server), host);
+    client.Token = QStringLiteral("tok");
+    const QString producer = QStringLiteral("071234562");
+    switch (request) {
+    case 0:
+        client.ListAnimals(producer, producer + QStringLiteral("-001"), QStringLiteral("BYD"), QStringLiteral("PL1"),
+                           QStringLiteral("XX"), QStringLiteral("HO"), QStringLiteral("ML"), Day(2026, 11, 1), false);
+        break;
+    case 1:
+        client.ListAnimals(producer, {}, QStringLiteral("BYD"), {}, {}, {}, {}, EmptyDate, true);
+        break;
+    case 2:
+        client.GetAnimal(producer, QStringLiteral("PL005123456789"), false);
+        break;
+    case 3:
+        client.ListDocuments(producer, QStringLiteral("D/1"), Day(2026, 1, 1), Day(2026, 11, 1), false);
+        break;
+    default:
+        client.ListDocuments(producer, {}, EmptyDate, EmptyDate, false);
+    }
+    const auto& sent = server.requests().at(0);
+    QCOMPARE(sent.method, QByteArray("GET"));
+    QCOMPARE(sent.target, target);
+    QCOMPARE(sent.headers.value("accept"), QByteArray("application/json"));
+    QCOMPARE(sent.headers.value("authorization"), QByteArray("Bearer tok"));
+}
+
+void TestRegistryClient::postBodiesKeepKeyOrderAndOmitEmptyValues_data()
+{
+    QTest::addColumn<int>("request");
+    QTest::addColumn<QByteArray>("target");
+    QTest::addColumn<QByteArray>("body");
+    const QByteArray useChange = "/api/indywidualne/dokument/api/prod/ztuku";
+    const QByteArray head = R"({"numerProducenta":"071234562","zgloszenie":{"numerDzialalnosci":"071234562-001",)"
+                            R"("gatunek":{"kod":"BYD"},"dataOkresleniaTypuIKierunkuUzytkowania":"2026-11-23",)"
+                            R"("pozycje":[{"lp":"1","numerIdentyfikacyjnyZwierzecia":"PL1",)";
+    QTest::newRow("holdings, producer only")
+        << 0 << QByteArray("/api/dzialalnosci/api/prod/dzialalnosci") << QByteArray(R"({"numerProducenta":"071234562"})");
+    QTest::newRow("holdings, every filter")
+        << 1 << QByteArray("/api/dzialalnosci/api/test/dzialalnosci")
+        << QByteArray(R"({"numerProducenta":"071234562","numerDzialalnosci":"071234562-001",)"
+                      R"("typDzialalnosci":"GOSP","stanDzialalnosci":"SDZA"})");
+    QTest::newRow("type and direction: ZTK")
+        << 2 << useChange << head + R"("typUzytkowy":{"kod":"MI"},"kierunekUzytkowy":{"kod":"OP"},"celZmiany":{"kod":"ZTK"}}]}})";
+    QTest::newRow("type only: ZTU") << 3 << useChange << head + R"("typUzytkowy":{"kod":"MI"},"celZmiany":{"kod":"ZTU"}}]}})";
+    QTest::newRow("direction only: ZKU")
+        << 4 << useChange << head + R"("kierunekUzytkowy":{"kod":"OP"},"celZmiany":{"kod":"ZKU"}}]}})";
+    QTest::newRow("neither: ZKU") << 5 << useChange << head + R"("celZmiany":{"kod":"ZKU"}}]}})";
+    QTest::newRow("with unit")
+        << 6 << useChange
+        << QByteArray(R"({"numerProducenta":"071234562","komorkaOrganizacyjna":"BP 7",)") +
+               head.mid(QByteArray(R"({"numerProducenta":"071234562",)").size()) + R"("celZmiany":{"kod":"ZKU"}}]}})";
+}
+
+void TestRegistryClient::postBodiesKeepKeyOrderAndOmitEmptyValues()
+{
+    QFETCH(int, request);
+    QFETCH(QByteArray, target);
+    QFETCH(QByteArray, body);
+    RecordingServer server(Always(200, "{}"));
+    RecordingHost host;
+    TdmIRZ_PLUS client(ConfigFor(server), host);
+    client.Token = QStringLiteral("tok");
+    const QString producer = QStringLiteral("071234562");
+    const QString herd = producer + QStringLiteral("-001");
+    const QString none;
+    const auto change = [&](const QString& unit, const QString& type, const QString& direction) {
+        client.SubmitUseChange(producer, unit, herd, QStringLiteral("BYD"), Day(2026, 11, 23), QStringLiteral("PL1"), type,
+                               direction, false);
+    };
+    switch (request) {
+    case 0: client.ListHoldings(producer, none, none, none, false); break;
+    case 1: client.ListHoldings(producer, herd, QStringLiteral("GOSP"), QStringLiteral("SDZA"), true); break;
+    case 2: change(none, QStringLiteral("MI"), QStringLiteral("OP")); break;
+    case 3: change(none, QStringLiteral("MI"), none); break;
+    case 4: change(none, none, QStringLiteral("OP")); break;
+    case 5: change(none, none, none); break;
+    default: change(QStringLiteral("BP 7"), none, none);
+    }
+    const auto& sent = server.requests().at(0);
+    QCOMPARE(sent.method, QByteArray("POST"));
+    QCOMPARE(sent.target, target);
+    QCOMPARE(sent.body, body);
+    QCOMPARE(sent.headers.value("content-type"), QByteArray("application/json"));
+    QCOMPARE(sent.headers.value("content-length"), QByteArray::number(body.size()));
+    QCOMPARE(sent.headers.value("authorization"), QByteArray("Bearer tok"));
+}
+
+void TestRegistryClient::httpErrorsOfGetsBecomeTheMarker()
+{
+    RecordingServer server(Always(500, R"({"bledy":[]})"));
+    RecordingHost host;
+    TdmIRZ_PLUS client(ConfigFor(server), host);
+    QCOMPARE(client.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false),
+             QStringLiteral("\tERR\tHTTP/1.1 500 Internal Server Error"));
+}
+
+void TestRegistryClient::failuresOfPostsAndTimeOutsRaise()
+{
+    RecordingServer failing(Always(500, "{}"));
+    RecordingHost host;
+    TdmIRZ_PLUS client(ConfigFor(failing), host);
+    QVERIFY_THROWS_EXCEPTION(RegistryError, client.ListHoldings(QStringLiteral("1"), {}, {}, {}, false));
+
+    RecordingServer slow([](const RecordingServer::Request&) { return Reply{200, "{}", 3000}; });
+    RegistryConfig config = ConfigFor(slow);
+    config.getTimeoutMs = 200;
+    TdmIRZ_PLUS impatient(config, host);
+    try {
+        impatient.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false);
+        QFAIL("a time-out must raise");
+    } catch (const RegistryError& error) {
+        QVERIFY2(error.message().startsWith(QStringLiteral("Przekroczono czas oczekiwania")), error.what());
+    }
+}
+
+void TestRegistryClient::animalQueueHandsOutAnswersInListOrder_data()
+{
+    QTest::addColumn<int>("parallel");
+    QTest::newRow("one at a time") << 1;
+    QTest::newRow("three in flight") << 3;
+    QTest::newRow("more than animals") << 20;
+}
+
+void TestRegistryClient::animalQueueHandsOutAnswersInListOrder()
+{
+    QFETCH(int, parallel);
+    // Earlier animals answer later, so answers arrive out of order when overlapped.
+    RecordingServer server([](const RecordingServer::Request& request) {
+        const QString tag = QUrlQuery(QUrl(QString::fromUtf8(request.target)).query())
+                                .queryItemValue(QStringLiteral("numerIdentyfikacyjnyZwierzecia"));
+        const int number = tag.mid(2).toInt();
+        return Reply{number == 4 ? 500 : 200, tag.toUtf8(), (8 - number) * 15};
+    });
+    RecordingHost host;
+    RegistryConfig config = ConfigFor(server);
+    config.maxParallelRequests = parallel;
+    TdmIRZ_PLUS client(config, host);
+    QStringList tags;
+    for (int i = 1; i <= 7; ++i)
+        tags.append(QStringLiteral("PL%1").arg(i));
+    auto queue = client.animalQueue(QStringLiteral("1"), tags, false);
+    QStringList answers;
+    while (!queue.atEnd())
+        answers.append(queue.next());
+    QCOMPARE(answers, (QStringList{QStringLiteral("PL1"), QStringLiteral("PL2"), QStringLiteral("PL3"),
+                                   QStringLiteral("\tERR\tHTTP/1.1 500 Internal Server Error"), QStringLiteral("PL5"),
+                                   QStringLiteral("PL6"), QStringLiteral("PL7")}));
+    QCOMPARE(server.requests().size(), 7u);
+}
+
+QTEST_GUILESS_MAIN(TestRegistryClient)
+#include "test_registry_client.moc"

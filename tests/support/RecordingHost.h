@@ -1,0 +1,63 @@
+#pragma once
+
+#include "framework/OperationHost.h"
+
+#include <QStringList>
+
+#include <map>
+#include <vector>
+
+// A host that remembers what a long operation told it and answers as set up.
+class RecordingHost : public OperationHost {
+public:
+    struct Message {
+        QString caption;
+        QString text;
+        MessageIcon icon;
+    };
+
+    std::vector<Message> messages;
+    QStringList questions;
+    QStringList stepTexts;
+    std::map<int, std::pair<int, int>> progress; // bar -> (position, maximum)
+    bool answerYes = true;
+    int cancelAfterChecks = -1; // cancel at this check of cancelRequested(); -1 never
+    int cancelChecks = 0;
+    bool busy = false;
+    QString herdChoice = QStringLiteral("ALL");
+    std::vector<int> summaryRows;
+
+    QStringList messageTexts() const
+    {
+        QStringList texts;
+        for (const Message& m : messages)
+            texts.append(m.text);
+        return texts;
+    }
+
+    void statusModeChanged(bool isBusy, bool) override { busy = isBusy; }
+    void statusTextChanged(StatusPanel panel, const QString& text) override
+    {
+        if (panel == StatusPanel::Step)
+            stepTexts.append(text);
+    }
+    void progressChanged(int bar, int position, int maximum) override { progress[bar] = {position, maximum}; }
+    void memoAppended(Memo, const QString&) override {}
+    void memoCleared(Memo) override {}
+    void showMessage(const QString& caption, const QString& text, MessageIcon icon) override
+    {
+        messages.push_back({caption, text, icon});
+    }
+    bool askYesNo(const QString&, const QString& text) override
+    {
+        questions.append(text);
+        return answerYes;
+    }
+    bool cancelRequested() override { return cancelAfterChecks >= 0 && cancelChecks++ >= cancelAfterChecks; }
+    std::optional<QString> askHerd() override
+    {
+        return herdChoice.isNull() ? std::nullopt : std::optional<QString>(herdChoice);
+    }
+    std::vector<int> summaryRowsInDisplayOrder() override { return summaryRows; }
+    void openWithDesktop(const QString&) override {}
+};
