@@ -27,7 +27,7 @@ test: build $(ASAN_BUILD)/build.ninja
 	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ctest --output-on-failure -j $(JOBS) -L unit
 
 demo: build
-	$(BUILD)/src/cli/halvarn-cli download --demo --data-dir $(BUILD)/demo-data
+	$(BUILD)/src/cli/halvarn-cli download --demo --data-dir $(BUILD)/demo-data --export-dir $(BUILD)/demo-data/EXPORT
 
 bench: build
 	@for b in $(BUILD)/bench/bench_*; do echo "== $$b"; $$b || exit 1; done

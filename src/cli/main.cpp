@@ -3,6 +3,7 @@
 #include "cli/CliHost.h"
 #include "cli/CliOptions.h"
 #include "cli/GroupReport.h"
+#include "export/ExportCommands.h"
 #include "framework/IniFile.h"
 #include "framework/SafeFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
@@ -10,12 +11,32 @@
 #include "registry/sim/RegistrySimulator.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QTextStream>
 
 #include <memory>
 
 namespace {
 enum ExitCode { Completed = 0, StoppedEarly = 1, BadArguments = 2 };
+
+// The animals and groups of every herd as workbooks and all summary rows as
+// text, named as the window names them.
+bool WriteExports(HalvarnSession& session, CliHost& host, const QString& folder)
+{
+    if (!QDir().mkpath(folder))
+        return false;
+    host.setSummaryRowCount(session.tables().mdRZ00().recordCount());
+    ExportCommands exports(session, folder, folder);
+    QString path;
+    bool written = true;
+    for (const auto write : {&ExportCommands::writeHerdAnimals, &ExportCommands::writeHerdGroups}) {
+        written = (exports.*write)(QStringLiteral("ALL"), path) && written;
+        QTextStream(stderr) << path << Qt::endl;
+    }
+    written = exports.writeSummaryCsv(path) && written;
+    QTextStream(stderr) << path << Qt::endl;
+    return written;
+}
 
 int RunDownload(const CliOptions& options)
 {
@@ -46,6 +67,8 @@ int RunDownload(const CliOptions& options)
     const DownloadOutcome outcome = DownloadCommand(session, registry).run();
 
     QTextStream(stdout) << GroupReport(session);
+    if (!options.exportDir.isEmpty() && !WriteExports(session, host, options.exportDir))
+        return StoppedEarly;
     if (!options.dumpJson.isEmpty()) {
         try {
             WriteFileAtomically(options.dumpJson, DumpSessionJson(session, host.messages()));

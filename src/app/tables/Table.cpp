@@ -49,19 +49,19 @@ Table::Table(QString name, std::vector<FieldDef> fields, QString sortField)
     sortField_ = sortField.isEmpty() ? -1 : fieldIndex(sortField);
 }
 
-int Table::fieldIndex(QStringView fieldName) const
+int Table::fieldIndex(QAnyStringView fieldName) const
 {
     for (int i = 0; i < fieldCount(); ++i)
-        if (fields_[static_cast<std::size_t>(i)].name == fieldName)
+        if (QAnyStringView::compare(fields_[static_cast<std::size_t>(i)].name, fieldName) == 0)
             return i;
     return -1;
 }
 
-int Table::requireField(QStringView fieldName) const
+int Table::requireField(QAnyStringView fieldName) const
 {
     const int index = fieldIndex(fieldName);
     if (index < 0)
-        throw TableError(QStringLiteral("Tabela %1 nie ma pola \"%2\"").arg(name_, fieldName));
+        throw TableError(QStringLiteral("Tabela %1 nie ma pola \"%2\"").arg(name_, fieldName.toString()));
     return index;
 }
 

@@ -2,6 +2,8 @@
 
 #include "app/tables/Field.h"
 
+#include <QAnyStringView>
+
 #include <functional>
 #include <stdexcept>
 #include <vector>
@@ -36,8 +38,8 @@ public:
     const QString& name() const { return name_; }
     const std::vector<FieldDef>& fields() const { return fields_; }
     int fieldCount() const { return static_cast<int>(fields_.size()); }
-    int fieldIndex(QStringView fieldName) const; // -1 when absent
-    int requireField(QStringView fieldName) const;
+    int fieldIndex(QAnyStringView fieldName) const; // -1 when absent
+    int requireField(QAnyStringView fieldName) const;
 
     void open();
     bool isOpen() const { return open_; }
@@ -63,9 +65,9 @@ public:
     void removeAll();
 
     const FieldValue& value(int field) const;
-    const FieldValue& value(QStringView fieldName) const { return value(requireField(fieldName)); }
+    const FieldValue& value(QAnyStringView fieldName) const { return value(requireField(fieldName)); }
     void setValue(int field, FieldValue value);
-    void setValue(QStringView fieldName, FieldValue value) { setValue(requireField(fieldName), std::move(value)); }
+    void setValue(QAnyStringView fieldName, FieldValue value) { setValue(requireField(fieldName), std::move(value)); }
 
     const FieldValue& at(int row, int field) const { return cells_[offset(row) + field]; }
 

@@ -6,6 +6,7 @@
 #include "app/session/HalvarnSession.h"
 #include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
+#include "registry/download/AnimalRowWriter.h"
 #include "registry/records/Stado.h"
 
 #include <QJsonArray>
@@ -224,6 +225,7 @@ bool DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, cons
     for (const auto& animal : animals)
         numbers.append(animal->numerIdentyfikacyjnyZwierzecia);
     auto queue = registry_.animalQueue(session_.ProducerNumber, numbers, false);
+    AnimalRowWriter writer(session_.tables());
     for (std::size_t k = 0; k < animals.size(); ++k) {
         const TZZIInfoClass& animal = *animals[k];
         const QString& number = animal.numerIdentyfikacyjnyZwierzecia;
@@ -250,7 +252,7 @@ bool DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, cons
         }
         session_.stepProgress(2);
         session_.SetStatusText(StatusPanel::Step, Text("Rozczytywanie danych: ") + number);
-        writeAnimal(animal, czyMatka, age, code, slot);
+        writer.write(animal, czyMatka, age, code, slot);
         AnimalFacts facts{animal.plec.kod, animal.typUzytkowy.kod, animal.kierunekUzytkownia.kod, age, true,
                           [this, &animals, &number] { return calfAge(animals, number); }};
         analysis.analyse(facts, slot);
@@ -264,45 +266,4 @@ int DownloadCommand::calfAge(const OwningList<TZZIInfoClass>& animals, const QSt
         if (animal->numerIdentyfikacyjnyMatki == cowNumber)
             return AgeInMonths(animal->dataUrodzenia, referenceDate_);
     return 0;
-}
-
-void DownloadCommand::writeAnimal(const TZZIInfoClass& animal, bool czyMatka, int age, const QString& code, int slot)
-{
-    WorkingTables& tables = session_.tables();
-    const auto writeCommon = [&](Table& table) {
-        table.setReadOnly(false);
-        table.append();
-        table.setValue(u"NumerIdentyfikacyjny", animal.numerIdentyfikacyjnyZwierzecia);
-        table.setValue(u"Plec", animal.plec.opis);
-        if (!IsEmptyDate(animal.dataUrodzenia))
-            table.setValue(u"DataUrodzenia", ToDate(animal.dataUrodzenia));
-        table.setValue(u"Wiek", age);
-        table.setValue(u"TypUzytkowy", animal.typUzytkowy.opis);
-        table.setValue(u"KierunekUzytkowania", animal.kierunekUzytkownia.opis);
-        table.setValue(u"CzyMatka", czyMatka ? 1 : 0);
-        if (!code.isEmpty())
-            table.setValue(u"STADO", code);
-    };
-    Table& summary = tables.mdRZ00();
-    writeCommon(summary);
-    summary.setValue(u"ZAZNACZONE", false);
-    if (!IsEmptyDate(animal.dataPrzybyciaDoDzialalnosci))
-        summary.setValue(u"DataPrzybycia", ToDate(animal.dataPrzybyciaDoDzialalnosci));
-    if (!IsEmptyDate(animal.dataWyrejestrowania))
-        summary.setValue(u"DataWyrejestrowania", ToDate(animal.dataWyrejestrowania));
-    summary.setValue(u"Rasa", animal.kodRasy.kod);
-    summary.setValue(u"RodzajDawczyni", animal.rodzajDawczyni.kod);
-    summary.setValue(u"RodzajDawcy", animal.rodzajDawcy.kod);
-    summary.setValue(u"NumerDzialalnosci", animal.numerDzialalnosci);
-    summary.setValue(u"NumerIdentyfikacyjnyMatki", animal.numerIdentyfikacyjnyMatki);
-    summary.setValue(u"NumerIdentyfikacyjnyDawczyni", animal.numerIdentyfikacyjnyDawczyni);
-    summary.setValue(u"NumerIdentyfikacyjnyDawcy", animal.numerIdentyfikacyjnyDawcy);
-    summary.setValue(u"IloscOznakowan", QString::number(animal.srodkiIdentyfikacji.size()));
-    summary.post();
-    tables.restoreReadOnly(summary);
-
-    Table& herd = tables.mdRZ(slot);
-    writeCommon(herd);
-    herd.post();
-    tables.restoreReadOnly(herd);
 }

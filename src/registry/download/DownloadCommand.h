@@ -31,7 +31,6 @@ private:
     void readHerd(const TStadoClass& herd, int index, WelfareAnalysis& analysis);
     bool readAnimals(const OwningList<TZZIInfoClass>& animals, const QString& code, int slot,
                      WelfareAnalysis& analysis);
-    void writeAnimal(const TZZIInfoClass& animal, bool czyMatka, int age, const QString& code, int slot);
     int calfAge(const OwningList<TZZIInfoClass>& animals, const QString& cowNumber) const;
     void fail(const QString& text);
 

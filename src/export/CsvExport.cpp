@@ -1,0 +1,43 @@
+#include "export/CsvExport.h"
+
+#include "app/tables/Table.h"
+#include "framework/Cp1250.h"
+
+namespace {
+const char* const Title =
+    "LP;NrProducenta;Rasa;Płeć;NrZwierzęcia;Grupatechnologiczna;DataUrodzenia;Wiek;TypUzytkowy;"
+    "KierunekUzytkowania;CzyMatka;DataPrzybycia;DataWyrejestrowania;RodzajDawczyni;RodzajDawcy;"
+    "NumerDzialalnosci;NumerIdentyfikacyjnyMatki;NumerIdentyfikacyjnyDawczyni;NumerIdentyfikacyjnyDawcy;"
+    "IloscOznakowan;";
+
+const char* const Fields[] = {"Rasa", "Plec", "NumerIdentyfikacyjny", "GdzieRozpatrzono", "DataUrodzenia", "Wiek",
+                              "TypUzytkowy", "KierunekUzytkowania", "CzyMatka", "DataPrzybycia",
+                              "DataWyrejestrowania", "RodzajDawczyni", "RodzajDawcy", "NumerDzialalnosci",
+                              "NumerIdentyfikacyjnyMatki", "NumerIdentyfikacyjnyDawczyni",
+                              "NumerIdentyfikacyjnyDawcy", "IloscOznakowan"};
+
+// Quotation marks inside a value are written as they are.
+QString Quoted(const QString& value)
+{
+    return u'"' + value + QStringLiteral("\";");
+}
+} // namespace
+
+QByteArray SummaryCsv(Table& summary, const std::vector<int>& rows, const QString& producer)
+{
+    const int number = summary.requireField(u"NumerIdentyfikacyjny");
+    std::vector<int> fields;
+    for (const char* field : Fields)
+        fields.push_back(summary.requireField(QLatin1String(field)));
+    QString text = QString::fromUtf8(Title) + QStringLiteral("\r\n");
+    int line = 0;
+    for (int row : rows) {
+        // Should the lookup find nothing, the line comes from the current record.
+        summary.locate(number, summary.at(row, number));
+        text += Quoted(QString::number(++line)) + Quoted(producer);
+        for (int field : fields)
+            text += Quoted(DisplayText(summary.value(field)));
+        text += QStringLiteral("\r\n");
+    }
+    return ToCp1250(text);
+}

@@ -1,0 +1,149 @@
+#include "export/ExportCommands.h"
+
+#include "app/session/HalvarnSession.h"
+#include "export/CsvExport.h"
+#include "export/ExportFiles.h"
+#include "export/SheetWriters.h"
+#include "export/xls/XlsWorkbook.h"
+#include "framework/IniFile.h"
+#include "framework/SafeFile.h"
+
+#include <QDir>
+
+namespace {
+QString Text(const char* utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+QString Native(const QString& path)
+{
+    return QDir::toNativeSeparators(path);
+}
+} // namespace
+
+ExportCommands::ExportCommands(HalvarnSession& session, QString exportFolder, QString csvFolder)
+    : session_(session), exportFolder_(std::move(exportFolder)), csvFolder_(std::move(csvFolder))
+{
+    if (exportFolder_.isEmpty())
+        exportFolder_ = session_.dataFolder().exportFolder();
+    if (csvFolder_.isEmpty()) {
+        const IniFile settings(session_.dataFolder().settingsFile());
+        csvFolder_ = settings.readString(QStringLiteral("PATHS"), QStringLiteral("CSV"), exportFolder_);
+    }
+    exportFolder_ = WithTrailingSeparator(exportFolder_);
+    csvFolder_ = WithTrailingSeparator(csvFolder_);
+}
+
+ExportNaming ExportCommands::naming(const QString& folder) const
+{
+    return ExportNaming{folder, session_.inputs.producerNumber, session_.referenceDate};
+}
+
+void ExportCommands::exportSummaryXls()
+{
+    const QString path = naming(exportFolder_).ExportFileName(Text("Zwierzęta FILTROWANE-"), true, QStringLiteral(".XLS"));
+    XlsWorkbook workbook;
+    WriteSummarySheet(workbook.addSheet(Text("Ogółem")), session_.tables().mdRZ00(),
+                      session_.host().summaryRowsInDisplayOrder());
+    if (save(workbook, path))
+        AskOpenFile(path);
+}
+
+void ExportCommands::exportSummaryCsv()
+{
+    QString path;
+    if (writeSummaryCsv(path))
+        showSaved(path);
+}
+
+bool ExportCommands::writeSummaryCsv(QString& path)
+{
+    path = naming(csvFolder_).ExportFileName(Text("Zwierzęta-"), true, QStringLiteral(".CSV"));
+    const QByteArray text = SummaryCsv(session_.tables().mdRZ00(), session_.host().summaryRowsInDisplayOrder(),
+                                       session_.inputs.producerNumber);
+    try {
+        WriteFileAtomically(path, text);
+        return true;
+    } catch (const FileWriteError& error) {
+        session_.host().showMessage(Text("Błąd..."), error.message(), MessageIcon::Error);
+        return false;
+    }
+}
+
+void ExportCommands::exportHerdAnimals()
+{
+    const auto herd = session_.host().askHerd();
+    QString path;
+    if (herd && writeHerdAnimals(*herd, path))
+        AskOpenFile(path);
+}
+
+void ExportCommands::exportHerdGroups()
+{
+    const auto herd = session_.host().askHerd();
+    QString path;
+    if (herd && writeHerdGroups(*herd, path))
+        AskOpenFile(path);
+}
+
+bool ExportCommands::writeHerdAnimals(const QString& herd, QString& path)
+{
+    path = naming(exportFolder_).ExportFileName(Text("Zwierzęta-"), true, QStringLiteral(".XLS"));
+    XlsWorkbook workbook;
+    addHerdSheets(workbook, herd, [](XlsWorksheet& sheet, const THerdSlot& slot) {
+        WriteHerdAnimalsSheet(sheet, *slot.AnimalsTable);
+    });
+    return save(workbook, path);
+}
+
+bool ExportCommands::writeHerdGroups(const QString& herd, QString& path)
+{
+    path = naming(exportFolder_).ExportFileName(QStringLiteral("Grupy-"), false, QStringLiteral(".XLS"));
+    XlsWorkbook workbook;
+    addHerdSheets(workbook, herd, [](XlsWorksheet& sheet, const THerdSlot& slot) {
+        WriteHerdGroupsSheet(sheet, *slot.GroupsTable);
+    });
+    return save(workbook, path);
+}
+
+// "ALL" gives the summary and every downloaded herd, "000" the summary alone,
+// a herd code that herd. Every slot holding a downloaded herd is walked in slot
+// order, so herds "001" and "003" both get their sheet.
+template <class FillSheet>
+void ExportCommands::addHerdSheets(XlsWorkbook& workbook, const QString& herd, FillSheet fill)
+{
+    const auto& slots = session_.tables().HerdSlots;
+    const bool all = herd == u"ALL";
+    if (all || herd == u"000")
+        fill(workbook.addSheet(Text("Ogółem")), slots[0]);
+    for (int i = 1; i < HerdSlotCount; ++i) {
+        const THerdSlot& slot = slots[static_cast<std::size_t>(i)];
+        if (slot.Visible && (all || herd == slot.Code))
+            fill(workbook.addSheet(slot.Code), slot);
+    }
+}
+
+bool ExportCommands::save(const XlsWorkbook& workbook, const QString& path)
+{
+    try {
+        workbook.save(path);
+        return true;
+    } catch (const std::exception& error) {
+        session_.host().showMessage(Text("Błąd..."), QString::fromUtf8(error.what()), MessageIcon::Error);
+        return false;
+    }
+}
+
+void ExportCommands::showSaved(const QString& path)
+{
+    session_.host().showMessage(QStringLiteral("Informacja"), Text("Zapisano do: ") + Native(path),
+                                MessageIcon::Information);
+}
+
+void ExportCommands::AskOpenFile(const QString& path)
+{
+    showSaved(path);
+    if (session_.host().askYesNo(QStringLiteral("Pytanie"), Text("Czy otworzyć stworzony plik?")))
+        session_.host().openWithDesktop(path);
+}
