@@ -1,0 +1,378 @@
+#include "registry/client/RecordingServer.h"
+#include "support/RecordingHost.h"
+
+#include "app/session/HalvarnSession.h"
+#include "registry/client/TdmIRZ_PLUS.h"
+#include "registry/download/DownloadCommand.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrlQuery>
+
+namespace {
+using Reply = RecordingServer::Reply;
+const QString Producer = QStringLiteral("071234562");
+const QDate Reference(2026, 11, 1);
+
+QString Holding(int number)
+{
+    return Producer + QStringLiteral("-%1").arg(number, 3, 10, QLatin1Char('0'));
+}
+
+QJsonObject AnimalJson(const QString& tag, const char* sex, int ageDays, bool mother, const QString& holding)
+{
+    return QJsonObject{
+        {QStringLiteral("numerIdentyfikacyjnyZwierzecia"), tag},
+        {QStringLiteral("dataUrodzenia"), Reference.addDays(-ageDays).toString(u"yyyy-MM-dd")},
+        {QStringLiteral("numerDzialalnosci"), holding},
+        {QStringLiteral("czyMatka"), mother},
+        {QStringLiteral("plec"), QJsonObject{{QStringLiteral("kod"), QLatin1String(sex)},
+                                             {QStringLiteral("opis"), QLatin1String(sex) == u"XX" ? QStringLiteral("Samica")
+                                                                                                    : QStringLiteral("Samiec")}}},
+        {QStringLiteral("typUzytkowy"), QJsonObject{{QStringLiteral("kod"), QStringLiteral("ML")},
+                                                    {QStringLiteral("opis"), QStringLiteral("Mleczny")}}},
+        {QStringLiteral("kierunekUzytkownia"), QJsonObject{{QStringLiteral("kod"), QStringLiteral("ML")},
+                                                           {QStringLiteral("opis"), QStringLiteral("Mleczny")}}},
+        {QStringLiteral("srodkiIdentyfikacji"), QJsonArray{QJsonObject{}, QJsonObject{}}},
+    };
+}
+
+QByteArray Json(const QJsonObject& object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+// A registry whose answers a test can spoil one by one.
+struct FakeRegistry {
+    QJsonArray holdings;
+    QMap<QString, QJsonArray> animals;       // holding -> list
+    QMap<QString, QJsonObject> singles;      // tag -> full record
+    QMap<QString, Reply> overrides;          // holding, tag, "token" or "holdings" -> answer instead
+
+    FakeRegistry()
+    {
+        addHerd(1, QStringLiteral("SDZA"));
+        addHerd(2, QStringLiteral("SDZA"));
+        addHerd(3, QStringLiteral("SDZZ"));
+        addHerd(4, QStringLiteral("SDZA"));
+        // herd 1: a cow, a heifer of exactly 14 and one of 15 months, a calf
+        addAnimal(1, QStringLiteral("PL001"), "XX", 1500, true, false);
+        addAnimal(1, QStringLiteral("PL002"), "XX", 400, false, true);  // 14 months: the list decides
+        addAnimal(1, QStringLiteral("PL003"), "XX", 440, false, true);  // 15 months: the full record decides
+        addAnimal(1, QStringLiteral("PL004"), "XY", 60, false, false);
+        addAnimal(2, QStringLiteral("PL101"), "XY", 700, false, false);
+        addAnimal(2, QStringLiteral("PL102"), "XX", 800, false, false);
+        addAnimal(3, QStringLiteral("PL201"), "XX", 800, false, false);
+    }
+    void addHerd(int number, const QString& state)
+    {
+        holdings.append(QJsonObject{{QStringLiteral("numerDzialalnosci"), Holding(number)},
+                                    {QStringLiteral("stanDzialalnosci"), QJsonObject{{QStringLiteral("kod"), state}}}});
+        animals[Holding(number)] = QJsonArray{};
+    }
+    void addAnimal(int herd, const QString& tag, const char* sex, int ageDays, bool listMother, bool fullMother)
+    {
+        animals[Holding(herd)].append(AnimalJson(tag, sex, ageDays, listMother, Holding(herd)));
+        singles[tag] = AnimalJson(tag, sex, ageDays, fullMother, Holding(herd));
+    }
+    Reply answer(const RecordingServer::Request& request) const
+    {
+        const QUrlQuery query(QUrl(QString::fromUtf8(request.target)).query());
+        QString key;
+        if (request.target.endsWith("/token"))
+            key = QStringLiteral("token");
+        else if (request.target.endsWith("/dzialalnosci"))
+            key = QStringLiteral("holdings");
+        else if (request.target.contains("zwierzetaIndywidualne"))
+            key = query.queryItemValue(QStringLiteral("numerDzialalnosci"));
+        else
+            key = query.queryItemValue(QStringLiteral("numerIdentyfikacyjnyZwierzecia"));
+        if (overrides.contains(key))
+            return overrides.value(key);
+        if (key == u"token")
+            return {200, R"({"access_token":"t"})", 0};
+        if (key == u"holdings")
+            return {200, Json({{QStringLiteral("dzialalnosc"), holdings}}), 0};
+        if (animals.contains(key))
+            return {200, Json({{QStringLiteral("listaZwierzeta"), animals.value(key)}}), 0};
+        return {200, Json(singles.value(key)), 0};
+    }
+};
+
+struct Download {
+    QTemporaryDir folder;
+    RecordingHost host;
+    HalvarnSession session{DataFolder(folder.path()), host};
+    DownloadOutcome outcome = DownloadOutcome::NotStarted;
+    std::vector<RecordingServer::Request> requests;
+
+    void run(const FakeRegistry& registry, int timeoutMs = 150'000)
+    {
+        RecordingServer server([&registry](const RecordingServer::Request& r) { return registry.answer(r); });
+        RegistryConfig config;
+        config.ssoBase = config.apiBase = server.baseUrl();
+        config.getTimeoutMs = config.postTimeoutMs = timeoutMs;
+        session.inputs.login = QStringLiteral("jan");
+        session.inputs.password = QStringLiteral("haslo");
+        session.inputs.stateDate = session.inputs.referenceDate = Reference;
+        if (session.inputs.producerNumber.isNull())
+            session.inputs.producerNumber = Producer;
+        TdmIRZ_PLUS client(config, host);
+        outcome = DownloadCommand(session, client).run();
+        requests = server.requests();
+    }
+    QStringList numbers(int slot)
+    {
+        QStringList list;
+        Table& table = session.tables().mdRZ(slot);
+        for (int row = 0; row < table.recordCount(); ++row)
+            list.append(AsString(table.at(row, 0)));
+        return list;
+    }
+    int requestsFor(const char* part) const
+    {
+        return static_cast<int>(std::count_if(requests.begin(), requests.end(),
+                                              [part](const auto& r) { return r.target.contains(part); }));
+    }
+};
+
+const Reply ServerError{500, R"({"bledy":[{"kodBledu":"E","komunikat":"awaria"}]})", 0};
+const Reply NotJson{200, "<html>Błąd</html>", 0};
+Reply Komunikat(const char* text)
+{
+    return {200, QByteArray(R"({"komunikat":")") + text + "\"}", 0};
+}
+} // namespace
+
+class TestDownload : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fullDownloadFillsTablesSlotsAndMemos();
+    void motherFlagOfOlderFemalesComesFromTheFullRecord();
+    void failuresEndTheirHerdOrTheCommand_data();
+    void failuresEndTheirHerdOrTheCommand();
+    void noProducerNumberDownloadsNothing();
+    void loadedDataIsKeptWhenTheUserSaysNo();
+    void datesInTheFutureBecomeToday();
+    void herdCodesOutsideTheTabsEndTheCommand_data();
+    void herdCodesOutsideTheTabsEndTheCommand();
+    void cancellingStopsBetweenAnimalsWithConsistentTables();
+};
+
+void TestDownload::fullDownloadFillsTablesSlotsAndMemos()
+{
+    FakeRegistry registry;
+    Download d;
+    d.session.inputs.producerName = QStringLiteral("Gospodarstwo Zielonka");
+    d.run(registry);
+    QCOMPARE(d.outcome, DownloadOutcome::Completed);
+    QVERIFY(d.host.messages.empty());
+    QCOMPARE(d.numbers(0), (QStringList{QStringLiteral("PL001"), QStringLiteral("PL002"), QStringLiteral("PL003"),
+                                        QStringLiteral("PL004"), QStringLiteral("PL101"), QStringLiteral("PL102")}));
+    QCOMPARE(d.numbers(1).size(), 4);
+    QCOMPARE(d.numbers(2).size(), 2);
+    QCOMPARE(d.session.herdCount, 2);
+    const auto& slots = d.session.tables().HerdSlots;
+    QVERIFY(slots[0].Visible && slots[1].Visible && slots[2].Visible && !slots[3].Visible && !slots[4].Visible);
+    QCOMPARE(slots[2].Code, QStringLiteral("002"));
+    QCOMPARE(slots[2].Index, 1);
+    QCOMPARE(d.session.errors(), (QStringList{QStringLiteral("Nie aktywne stado: 071234562-003"),
+                                              QStringLiteral("Brak zwierząt w stadzie: 071234562-004")}));
+    QVERIFY(d.session.loaded().startsWith(QStringLiteral("dzialalnosc\n{\"listaZwierzeta\"")));
+    QCOMPARE(d.requestsFor("numerDzialalnosci=071234562-003"), 0);
+    QCOMPARE(d.requestsFor("zwierzeIndywidualne"), 6);
+    QCOMPARE(d.host.progress[1], std::make_pair(5, 5)); // three active herds + 2
+    QVERIFY(!d.session.busy() && !d.session.Loading && d.session.DataLoaded);
+    Table& producer = d.session.tables().mdProducent();
+    QCOMPARE(producer.recordCount(), 1);
+    QCOMPARE(AsString(producer.value(u"PRODUCENT")), Producer);
+    QCOMPARE(AsDate(producer.value(u"DATA3")), Reference);
+    QCOMPARE(AsString(producer.value(u"NAZWA")), QStringLiteral("Gospodarstwo Zielonka"));
+    Table& summary = d.session.tables().mdRZ00();
+    QCOMPARE(AsString(summary.at(0, summary.requireField(u"Plec"))), QStringLiteral("Samica"));
+    QCOMPARE(AsString(summary.at(0, summary.requireField(u"IloscOznakowan"))), QStringLiteral("2"));
+    QCOMPARE(AsString(summary.at(4, summary.requireField(u"STADO"))), QStringLiteral("002"));
+    QCOMPARE(AsString(summary.at(0, summary.requireField(u"Rozpatrzono"))), QStringLiteral("D"));
+}
+
+void TestDownload::motherFlagOfOlderFemalesComesFromTheFullRecord()
+{
+    FakeRegistry registry;
+    Download d;
+    d.run(registry);
+    Table& herd = d.session.tables().mdRZ(1);
+    const int age = herd.requireField(u"Wiek");
+    const int mother = herd.requireField(u"CzyMatka");
+    QCOMPARE(AsInteger(herd.at(1, age)), 14);
+    QCOMPARE(AsInteger(herd.at(1, mother)), 0); // the list said no, the full record yes: 14 months keeps the list
+    QCOMPARE(AsInteger(herd.at(2, age)), 15);
+    QCOMPARE(AsInteger(herd.at(2, mother)), 1);
+    QCOMPARE(AsInteger(herd.at(0, mother)), 0); // the cow: the list said yes, the full record no
+}
+
+void TestDownload::failuresEndTheirHerdOrTheCommand_data()
+{
+    QTest::addColumn<QString>("spoiled");
+    QTest::addColumn<Reply>("reply");
+    QTest::addColumn<int>("outcome");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QStringList>("animals");
+    const QStringList all{QStringLiteral("PL001"), QStringLiteral("PL002"), QStringLiteral("PL003"),
+                          QStringLiteral("PL004"), QStringLiteral("PL101"), QStringLiteral("PL102")};
+    const QStringList secondHerdOnly{QStringLiteral("PL101"), QStringLiteral("PL102")};
+    const int completed = static_cast<int>(DownloadOutcome::Completed);
+    const int stopped = static_cast<int>(DownloadOutcome::Stopped);
+    QTest::newRow("refused log-in") << QStringLiteral("token") << Reply{401, R"({"error":"invalid_grant"})", 0}
+                                    << stopped << QStringLiteral("Brak autoryzacji (Być może niepoprawny login/hasło)")
+                                    << QStringList();
+    QTest::newRow("holdings: HTTP error") << QStringLiteral("holdings") << ServerError << stopped
+                                          << QStringLiteral("HTTP/1.1 500 Internal Server Error {\"bledy\":[{\"kodBledu\":\"E\",\"komunikat\":\"awaria\"}]}")
+                                          << QStringList();
+    QTest::newRow("holdings: komunikat") << QStringLiteral("holdings") << Komunikat("Brak producenta") << stopped
+                                         << QStringLiteral("Serwer zwrócił komunikat: Brak producenta") << QStringList();
+    QTest::newRow("holdings: not JSON") << QStringLiteral("holdings") << NotJson << stopped
+                                        << QStringLiteral("Odpowiedź serwera nie jest poprawnym obiektem JSON: <html>Błąd</html>")
+                                        << QStringList();
+    QTest::newRow("herd list: HTTP error") << Holding(1) << ServerError << completed
+                                           << QStringLiteral("Serwer zgłosił błąd: HTTP/1.1 500 Internal Server Error")
+                                           << secondHerdOnly;
+    QTest::newRow("herd list: komunikat") << Holding(1) << Komunikat("Brak uprawnień") << completed
+                                          << QStringLiteral("Serwer zwrócił komunikat: Brak uprawnień") << secondHerdOnly;
+    QTest::newRow("herd list: empty answer") << Holding(1) << Reply{200, "", 0} << completed << QString()
+                                             << secondHerdOnly;
+    QTest::newRow("herd list: not JSON") << Holding(2) << NotJson << stopped
+                                         << QStringLiteral("Odpowiedź serwera nie jest poprawnym obiektem JSON: <html>Błąd</html>")
+                                         << all.mid(0, 4);
+    QTest::newRow("animal: HTTP error") << QStringLiteral("PL003") << ServerError << completed
+                                        << QStringLiteral("Serwer zgłosił błąd: HTTP/1.1 500 Internal Server Error")
+                                        << (all.mid(0, 2) + secondHerdOnly);
+    QTest::newRow("older female: komunikat") << QStringLiteral("PL003") << Komunikat("Zablokowane") << completed
+                                             << QStringLiteral("Serwer zwrócił komunikat: Zablokowane")
+                                             << (all.mid(0, 2) + secondHerdOnly);
+    QTest::newRow("young animal: its full record is not read") << QStringLiteral("PL004") << Komunikat("Zablokowane")
+                                                               << completed << QString() << all;
+    QTest::newRow("older female: not JSON") << QStringLiteral("PL001") << NotJson << stopped
+                                            << QStringLiteral("Odpowiedź serwera nie jest poprawnym obiektem JSON: <html>Błąd</html>")
+                                            << QStringList();
+    QTest::newRow("animal: time-out") << QStringLiteral("PL101") << Reply{200, "{}", 3000} << stopped
+                                      << QStringLiteral("Przekroczono czas oczekiwania") << all.mid(0, 4);
+}
+
+void TestDownload::failuresEndTheirHerdOrTheCommand()
+{
+    QFETCH(QString, spoiled);
+    QFETCH(Reply, reply);
+    QFETCH(int, outcome);
+    QFETCH(QString, message);
+    QFETCH(QStringList, animals);
+    FakeRegistry registry;
+    registry.overrides[spoiled] = reply;
+    Download d;
+    d.run(registry, 1000);
+    QCOMPARE(static_cast<int>(d.outcome), outcome);
+    if (message.isEmpty()) {
+        QVERIFY(d.host.messages.empty());
+    } else {
+        QCOMPARE(d.host.messages.size(), 1u);
+        QVERIFY2(d.host.messages[0].text.startsWith(message), qPrintable(d.host.messages[0].text));
+    }
+    QCOMPARE(d.numbers(0), animals);
+    QVERIFY(!d.session.busy());
+    // Whatever stopped it, every written animal is counted exactly once.
+    int counted = 0;
+    Table& groups = d.session.tables().mdGT00();
+    for (int row = 0; row < groups.recordCount(); ++row)
+        counted += AsInteger(groups.at(row, 3));
+    QCOMPARE(counted, animals.size());
+}
+
+void TestDownload::noProducerNumberDownloadsNothing()
+{
+    FakeRegistry registry;
+    Download d;
+    d.session.inputs.producerNumber = QStringLiteral("");
+    d.run(registry);
+    QCOMPARE(d.outcome, DownloadOutcome::NotStarted);
+    QCOMPARE(d.host.messageTexts(), QStringList{QStringLiteral("Nie podanu mumeru producenta")});
+    QCOMPARE(d.host.messages[0].caption, QStringLiteral("Błąd..."));
+    QVERIFY(d.requests.empty());
+}
+
+void TestDownload::loadedDataIsKeptWhenTheUserSaysNo()
+{
+    FakeRegistry registry;
+    Download d;
+    d.run(registry);
+    d.host.answerYes = false;
+    registry.overrides[QStringLiteral("holdings")] = ServerError;
+    d.run(registry);
+    QCOMPARE(d.outcome, DownloadOutcome::NotStarted);
+    QCOMPARE(d.host.questions, QStringList{QStringLiteral("Są wczytane dane. Będą one usunięte. Czy kontynuować?")});
+    QCOMPARE(d.numbers(0).size(), 6);
+}
+
+void TestDownload::datesInTheFutureBecomeToday()
+{
+    FakeRegistry registry;
+    Download d;
+    d.run(registry);
+    d.session.inputs.stateDate = QDate::currentDate().addDays(30);
+    d.session.inputs.referenceDate = QDate();
+    RecordingServer server([&registry](const RecordingServer::Request& r) { return registry.answer(r); });
+    RegistryConfig config;
+    config.ssoBase = config.apiBase = server.baseUrl();
+    TdmIRZ_PLUS client(config, d.host);
+    DownloadCommand(d.session, client).run();
+    QCOMPARE(d.session.inputs.stateDate, QDate::currentDate());
+    QCOMPARE(d.session.inputs.referenceDate, QDate::currentDate());
+    const QByteArray today = QDate::currentDate().toString(u"yyyy-MM-dd").toLatin1();
+    QVERIFY(server.requests().at(2).target.endsWith("&stanDanych=" + today));
+}
+
+void TestDownload::herdCodesOutsideTheTabsEndTheCommand_data()
+{
+    QTest::addColumn<QString>("holding");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("not a number") << Producer + QStringLiteral("-A01")
+                                  << QStringLiteral("Numer stada \"A01\" działalności 071234562-A01 nie jest liczbą");
+    QTest::newRow("slot 21") << Producer + QStringLiteral("-021")
+                             << QStringLiteral("Stado 021 (071234562-021) nie mieści się w 20 zakładkach stad");
+    QTest::newRow("slot 0") << Producer + QStringLiteral("-000")
+                            << QStringLiteral("Stado 000 (071234562-000) nie mieści się w 20 zakładkach stad");
+}
+
+void TestDownload::herdCodesOutsideTheTabsEndTheCommand()
+{
+    QFETCH(QString, holding);
+    QFETCH(QString, message);
+    FakeRegistry registry;
+    registry.holdings.append(QJsonObject{{QStringLiteral("numerDzialalnosci"), holding},
+                                         {QStringLiteral("stanDzialalnosci"), QJsonObject{{QStringLiteral("kod"), QStringLiteral("SDZA")}}}});
+    registry.animals[holding] = QJsonArray{AnimalJson(QStringLiteral("PL900"), "XX", 100, false, holding)};
+    Download d;
+    d.run(registry);
+    QCOMPARE(d.outcome, DownloadOutcome::Stopped);
+    QCOMPARE(d.host.messageTexts(), QStringList{message});
+    QCOMPARE(d.numbers(0).size(), 6); // what was filled before is kept
+}
+
+void TestDownload::cancellingStopsBetweenAnimalsWithConsistentTables()
+{
+    FakeRegistry registry;
+    Download d;
+    d.host.cancelAfterChecks = 2;
+    d.run(registry);
+    QCOMPARE(d.outcome, DownloadOutcome::Stopped);
+    QCOMPARE(d.numbers(0), (QStringList{QStringLiteral("PL001"), QStringLiteral("PL002")}));
+    QCOMPARE(d.numbers(1), d.numbers(0));
+    QCOMPARE(d.session.errors().last(),
+             QStringLiteral("Pobieranie przerwane przez użytkownika: stado 001, zapisano 2 z 4 zwierząt"));
+    QVERIFY(!d.session.busy());
+}
+
+QTEST_GUILESS_MAIN(TestDownload)
+#include "test_download.moc"
