@@ -3,6 +3,8 @@
 #include "analysis/GroupCatalogue.h"
 #include "app/tables/WorkingTables.h"
 
+#include <QHash>
+
 #include <initializer_list>
 
 namespace {
@@ -19,9 +21,15 @@ bool In(int value, int lowerExclusive, int upperInclusive)
     return lowerExclusive < value && value <= upperInclusive;
 }
 
-QString Text(const char* utf8)
+// The mark texts are written into a row for every animal; one shared copy of
+// each keeps the tables small and spares a conversion per animal.
+const QString& Text(const char* utf8)
 {
-    return QString::fromUtf8(utf8);
+    static QHash<const char*, QString> texts;
+    auto found = texts.find(utf8);
+    if (found == texts.end())
+        found = texts.insert(utf8, QString::fromUtf8(utf8));
+    return *found;
 }
 } // namespace
 

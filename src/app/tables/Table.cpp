@@ -147,8 +147,7 @@ void Table::edit()
     requireBrowse();
     if (current_ < 0)
         throw TableError(QStringLiteral("Tabela %1 jest pusta").arg(name_));
-    buffer_.assign(cells_.begin() + static_cast<std::ptrdiff_t>(offset(current_)),
-                   cells_.begin() + static_cast<std::ptrdiff_t>(offset(current_ + 1)));
+    changes_.clear();
     state_ = State::Edit;
 }
 
@@ -159,7 +158,18 @@ void Table::setValue(int field, FieldValue value)
         throw TableError(QStringLiteral("Tabela %1 nie jest w trybie edycji").arg(name_));
     if (field < 0 || field >= fieldCount())
         throw TableError(QStringLiteral("Tabela %1 nie ma pola nr %2").arg(name_).arg(field));
-    buffer_[static_cast<std::size_t>(field)] = fitted(field, std::move(value));
+    FieldValue stored = fitted(field, std::move(value));
+    if (state_ == State::Insert) {
+        buffer_[static_cast<std::size_t>(field)] = std::move(stored);
+        return;
+    }
+    for (auto& change : changes_) {
+        if (change.first == field) {
+            change.second = std::move(stored);
+            return;
+        }
+    }
+    changes_.emplace_back(field, std::move(stored));
 }
 
 FieldValue Table::fitted(int field, FieldValue value) const
@@ -195,8 +205,9 @@ void Table::post()
 
 void Table::storeInsertedRow()
 {
-    cells_.insert(cells_.end(), std::make_move_iterator(buffer_.begin()),
-                  std::make_move_iterator(buffer_.end()));
+    Row row = std::make_unique<FieldValue[]>(fields_.size());
+    std::move(buffer_.begin(), buffer_.end(), row.get());
+    rows_.push_back(std::move(row));
     buffer_.clear();
     state_ = State::Browse;
     current_ = rowCount_++;
@@ -207,8 +218,9 @@ void Table::storeInsertedRow()
 
 void Table::storeEditedRow()
 {
-    std::move(buffer_.begin(), buffer_.end(), cells_.begin() + static_cast<std::ptrdiff_t>(offset(current_)));
-    buffer_.clear();
+    for (auto& [field, value] : changes_)
+        rows_[static_cast<std::size_t>(current_)][field] = std::move(value);
+    changes_.clear();
     state_ = State::Browse;
     const int from = current_;
     current_ = moveRow(from, sortedPosition(from));
@@ -241,18 +253,18 @@ int Table::moveRow(int from, int to)
 {
     if (from == to)
         return to;
-    const auto width = static_cast<std::ptrdiff_t>(fields_.size());
-    auto begin = cells_.begin();
+    auto begin = rows_.begin();
     if (from < to)
-        std::rotate(begin + from * width, begin + (from + 1) * width, begin + (to + 1) * width);
+        std::rotate(begin + from, begin + from + 1, begin + to + 1);
     else
-        std::rotate(begin + to * width, begin + from * width, begin + (from + 1) * width);
+        std::rotate(begin + to, begin + from, begin + from + 1);
     return to;
 }
 
 void Table::cancel()
 {
     buffer_.clear();
+    changes_.clear();
     state_ = State::Browse;
 }
 
@@ -262,8 +274,7 @@ void Table::remove()
     requireBrowse();
     if (current_ < 0)
         throw TableError(QStringLiteral("Tabela %1 jest pusta").arg(name_));
-    const auto begin = cells_.begin() + static_cast<std::ptrdiff_t>(offset(current_));
-    cells_.erase(begin, begin + static_cast<std::ptrdiff_t>(fields_.size()));
+    rows_.erase(rows_.begin() + current_);
     const int removed = current_;
     --rowCount_;
     if (current_ >= rowCount_)
@@ -276,7 +287,7 @@ void Table::removeAll()
 {
     requireWritable();
     requireBrowse();
-    cells_.clear();
+    rows_.clear();
     rowCount_ = 0;
     current_ = -1;
     eof_ = true;
@@ -287,8 +298,12 @@ const FieldValue& Table::value(int field) const
 {
     if (field < 0 || field >= fieldCount())
         throw TableError(QStringLiteral("Tabela %1 nie ma pola nr %2").arg(name_).arg(field));
-    if (state_ != State::Browse)
+    if (state_ == State::Insert)
         return buffer_[static_cast<std::size_t>(field)];
+    if (state_ == State::Edit)
+        for (const auto& change : changes_)
+            if (change.first == field)
+                return change.second;
     if (current_ < 0)
         return NullValue;
     return at(current_, field);

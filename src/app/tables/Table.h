@@ -5,6 +5,7 @@
 #include <QAnyStringView>
 
 #include <functional>
+#include <memory>
 #include <stdexcept>
 #include <vector>
 
@@ -69,7 +70,7 @@ public:
     void setValue(int field, FieldValue value);
     void setValue(QAnyStringView fieldName, FieldValue value) { setValue(requireField(fieldName), std::move(value)); }
 
-    const FieldValue& at(int row, int field) const { return cells_[offset(row) + field]; }
+    const FieldValue& at(int row, int field) const { return rows_[static_cast<std::size_t>(row)][field]; }
 
     void setAfterPost(std::function<void(Table&)> handler) { afterPost_ = std::move(handler); }
     void addObserver(TableObserver* observer);
@@ -79,7 +80,7 @@ public:
     bool controlsDisabled() const { return controlsDisabled_ > 0; }
 
 private:
-    std::size_t offset(int row) const { return static_cast<std::size_t>(row) * fields_.size(); }
+    using Row = std::unique_ptr<FieldValue[]>;
     void requireOpen() const;
     void requireWritable() const;
     void requireBrowse() const;
@@ -95,12 +96,13 @@ private:
     int sortField_ = -1;
     bool open_ = false;
     bool readOnly_ = false;
-    std::vector<FieldValue> cells_;
+    std::vector<Row> rows_; // a row of its own per record, so growing and sorting move pointers only
     int rowCount_ = 0;
     int current_ = -1;
     bool eof_ = true;
     State state_ = State::Browse;
-    std::vector<FieldValue> buffer_;
+    std::vector<FieldValue> buffer_;                // the new row while inserting
+    std::vector<std::pair<int, FieldValue>> changes_; // the fields set while editing
     std::function<void(Table&)> afterPost_;
     std::vector<TableObserver*> observers_;
     int controlsDisabled_ = 0;

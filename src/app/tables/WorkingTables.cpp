@@ -31,6 +31,9 @@ WorkingTables::WorkingTables()
     report_ = std::make_unique<Table>(QStringLiteral("mdRaport1"), AnimalFields(AnimalLayout::Report));
     for (Table* table : {producer_.get(), empty_.get(), useChange_.get(), report_.get()})
         table->open();
+    // Every animal layout starts with the same ten fields.
+    rozpatrzonoField_ = mdRZ00().requireField(u"Rozpatrzono");
+    gdzieField_ = mdRZ00().requireField(u"GdzieRozpatrzono");
 }
 
 std::vector<Table*> WorkingTables::all() const
@@ -63,8 +66,8 @@ void WorkingTables::MarkAnimalReviewed(Table& table, const QString& rozpatrzono,
 {
     table.setReadOnly(false);
     table.edit();
-    table.setValue(u"Rozpatrzono", rozpatrzono);
-    table.setValue(u"GdzieRozpatrzono", gdzie);
+    table.setValue(rozpatrzonoField_, rozpatrzono);
+    table.setValue(gdzieField_, gdzie);
     table.post();
     restoreReadOnly(table);
 }

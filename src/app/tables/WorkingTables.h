@@ -51,6 +51,8 @@ private:
     std::unique_ptr<Table> empty_;
     std::unique_ptr<Table> useChange_;
     std::unique_ptr<Table> report_;
+    int rozpatrzonoField_ = 0;
+    int gdzieField_ = 0;
 };
 
 QString SlotSuffix(int slot); // "00" … "20"
