@@ -7,7 +7,8 @@ void CliHost::statusTextChanged(StatusPanel panel, const QString& text)
     // One line per herd and per stage of a download; the clearing's and the
     // per-animal texts would flood the terminal.
     const bool herdText = panel == StatusPanel::Herd && text.size() > 7 && !text.endsWith(u"000");
-    const bool stageText = panel == StatusPanel::Step && !text.contains(u':') && !text.startsWith(u"Czyszczenie");
+    const bool stageText = panel == StatusPanel::Step && !text.isEmpty() && !text.contains(u':') &&
+                           !text.startsWith(u"Czyszczenie") && !text.startsWith(u"Tworzenie");
     if (herdText || stageText)
         err_ << text << Qt::endl;
 }

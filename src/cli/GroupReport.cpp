@@ -5,7 +5,7 @@
 namespace {
 QString Row(const QString& id, const QString& group, const QString& range, const QString& count, const QString& extra)
 {
-    return id.rightJustified(3) + u"  " + group.leftJustified(42) + u' ' + range.leftJustified(18) + u' ' +
+    return id.rightJustified(3) + QStringLiteral("  ") + group.leftJustified(42) + u' ' + range.leftJustified(18) + u' ' +
            count.rightJustified(6) + u' ' + extra.rightJustified(9) + u'\n';
 }
 
@@ -27,7 +27,7 @@ QString GroupTable(const Table& table, const QString& title)
 QString GroupReport(HalvarnSession& session)
 {
     WorkingTables& tables = session.tables();
-    QString text = GroupTable(tables.mdGT00(), QString::fromUtf8("Ogółem (%1 stad)").arg(session.herdCount));
+    QString text = GroupTable(tables.mdGT00(), QString::fromUtf8("Ogółem – wszystkie stada (%1)").arg(session.herdCount));
     for (int slot = 1; slot < HerdSlotCount; ++slot) {
         const THerdSlot& herd = tables.HerdSlots[static_cast<std::size_t>(slot)];
         if (herd.Visible)

@@ -1,0 +1,63 @@
+#include "registry/sim/RegistrySimulator.h"
+
+#include "registry/sim/HttpLib.h"
+#include "registry/sim/SimRegistry.h"
+
+#include <thread>
+
+class RegistrySimulator::Server {
+public:
+    Server(SimDataset data, SimOptions options) : registry(std::move(data), std::move(options)) {}
+
+    SimRegistry registry;
+    httplib::Server http;
+    std::thread thread;
+    int port = 0;
+};
+
+RegistrySimulator::RegistrySimulator(SimDataset data, SimOptions options)
+    : server_(std::make_unique<Server>(std::move(data), std::move(options)))
+{
+    server_->http.new_task_queue = [] { return new httplib::ThreadPool(16); }; // httplib takes ownership
+    server_->registry.install(server_->http);
+}
+
+RegistrySimulator::~RegistrySimulator()
+{
+    stop();
+}
+
+bool RegistrySimulator::start(quint16 port)
+{
+    if (server_->thread.joinable())
+        return true;
+    httplib::Server& http = server_->http;
+    server_->port = port == 0 ? http.bind_to_any_port("127.0.0.1") : (http.bind_to_port("127.0.0.1", port) ? port : -1);
+    if (server_->port <= 0)
+        return false;
+    server_->thread = std::thread([&http] { http.listen_after_bind(); });
+    return true;
+}
+
+void RegistrySimulator::stop()
+{
+    if (!server_->thread.joinable())
+        return;
+    server_->http.stop();
+    server_->thread.join();
+}
+
+QString RegistrySimulator::baseUrl() const
+{
+    return QStringLiteral("http://127.0.0.1:%1").arg(server_->port);
+}
+
+SimStats RegistrySimulator::stats() const
+{
+    return server_->registry.stats();
+}
+
+void RegistrySimulator::setOptions(const SimOptions& options)
+{
+    server_->registry.setOptions(options);
+}

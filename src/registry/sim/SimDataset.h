@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QDate>
+#include <QJsonObject>
+#include <QString>
+
+#include <vector>
+
+// What the simulated registry knows, kept in the registry's own JSON shapes.
+struct SimHolding {
+    QJsonObject holding;
+    std::vector<QJsonObject> animals;
+};
+
+struct SimProducer {
+    QString numerProducenta;
+    QString login;
+    QString password;
+    std::vector<SimHolding> holdings;
+};
+
+struct SimDataset {
+    std::vector<SimProducer> producers;
+
+    // {"producers":[{"numerProducenta","login","password","holdings":[{...holding..., "zwierzeta":[...]}]}]}
+    static SimDataset fromJson(const QJsonObject& root);
+    QJsonObject toJson() const;
+};
+
+struct DemoOptions {
+    quint64 seed = 20261123;
+    QString producerNumber = QStringLiteral("071234562");
+    QString login = QStringLiteral("uzytkownik.testowy.1");
+    QString password = QStringLiteral("Zielonka7Kb2!");
+    std::vector<int> herdSizes = {120, 85, 140}; // animals of each active herd: dairy, suckler, fattening, …
+    QDate referenceDate = QDate::currentDate();
+};
+
+// A realistic producer: active herds of the given sizes, then an inactive
+// holding and an active one without animals. The same seed gives the same data.
+SimDataset GenerateDemoDataset(const DemoOptions& options);

@@ -1,0 +1,308 @@
+#include "registry/sim/SimRegistry.h"
+
+#include "registry/sim/HttpLib.h"
+
+#include <QDateTime>
+#include <QJsonDocument>
+#include <QRandomGenerator>
+
+#include <chrono>
+
+namespace {
+QString Param(const httplib::Request& request, const char* key)
+{
+    return QString::fromStdString(request.get_param_value(key));
+}
+
+QByteArray Json(const QJsonObject& object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+QByteArray Komunikat(const QString& text)
+{
+    return Json({{QStringLiteral("komunikat"), text}});
+}
+
+QByteArray Errors(const char* code, const QString& text)
+{
+    return Json({{QStringLiteral("bledy"), QJsonArray{QJsonObject{{QStringLiteral("kodBledu"), QLatin1String(code)},
+                                                                  {QStringLiteral("komunikat"), text}}}}});
+}
+
+const QByteArray NotJson = QByteArray("<html><body>B\xc5\x82\xc4\x85""d serwera</body></html>");
+} // namespace
+
+SimRegistry::SimRegistry(SimDataset data, SimOptions options) : data_(std::move(data)), options_(std::move(options)) {}
+
+void SimRegistry::install(httplib::Server& server)
+{
+    const auto route = [this](Handler handler, bool needsToken) {
+        return [this, handler, needsToken](const httplib::Request& request, httplib::Response& response) {
+            serve(handler, needsToken, request, response);
+        };
+    };
+    server.Post("/auth/realms/ewniosekplus/protocol/openid-connect/token", route(&SimRegistry::token, false));
+    server.Post(R"(/api/dzialalnosci/api/(test|prod)/dzialalnosci)", route(&SimRegistry::holdings, true));
+    server.Get(R"(/api/indywidualne/zwierze/api/(test|prod)/zwierzetaIndywidualne)", route(&SimRegistry::animalList, true));
+    server.Get(R"(/api/indywidualne/zwierze/api/(test|prod)/zwierzeIndywidualne)", route(&SimRegistry::animal, true));
+    server.Get(R"(/api/dokumenty/dokument/api/(test|prod)/listaDokumentow)", route(&SimRegistry::documents, true));
+    server.Post(R"(/api/indywidualne/dokument/api/(test|prod)/ztuku)", route(&SimRegistry::useChange, true));
+}
+
+void SimRegistry::serve(Handler handler, bool needsToken, const httplib::Request& request, httplib::Response& response)
+{
+    enter();
+    pause(options().latencyMs);
+    Answer answer{401, Json({{QStringLiteral("error"), QStringLiteral("invalid_token")}})};
+    const std::string authorization = request.get_header_value("Authorization");
+    bool authorised = !needsToken;
+    {
+        const std::lock_guard lock(mutex_);
+        authorised = authorised || (authorization.rfind("Bearer ", 0) == 0 &&
+                                    tokens_.contains(QString::fromStdString(authorization.substr(7))));
+    }
+    if (authorised)
+        answer = (this->*handler)(request);
+    response.status = answer.status;
+    response.set_content(answer.body.toStdString(), "application/json");
+    leave();
+}
+
+void SimRegistry::enter()
+{
+    std::unique_lock lock(mutex_);
+    slotFree_.wait(lock, [this] { return options_.maxConcurrent <= 0 || active_ < options_.maxConcurrent; });
+    stats_.maxConcurrentSeen = std::max(stats_.maxConcurrentSeen, ++active_);
+}
+
+void SimRegistry::leave()
+{
+    {
+        const std::lock_guard lock(mutex_);
+        --active_;
+    }
+    slotFree_.notify_one();
+}
+
+void SimRegistry::pause(int milliseconds) const
+{
+    if (milliseconds > 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+SimOptions SimRegistry::options() const
+{
+    const std::lock_guard lock(mutex_);
+    return options_;
+}
+
+void SimRegistry::setOptions(const SimOptions& options)
+{
+    {
+        const std::lock_guard lock(mutex_);
+        options_ = options;
+    }
+    slotFree_.notify_all();
+}
+
+SimStats SimRegistry::stats() const
+{
+    const std::lock_guard lock(mutex_);
+    return stats_;
+}
+
+const SimProducer* SimRegistry::producer(const QString& number) const
+{
+    for (const SimProducer& p : data_.producers)
+        if (p.numerProducenta == number)
+            return &p;
+    return nullptr;
+}
+
+// The form body arrives exactly as typed: split on "&" and "=", no decoding.
+SimRegistry::Answer SimRegistry::token(const httplib::Request& request)
+{
+    QHash<QString, QString> form;
+    for (const QString& pair : QString::fromStdString(request.body).split(u'&')) {
+        const qsizetype eq = pair.indexOf(u'=');
+        form.insert(pair.left(eq), eq < 0 ? QString() : pair.mid(eq + 1));
+    }
+    const std::lock_guard lock(mutex_);
+    ++stats_.tokenRequests;
+    bool known = false;
+    for (const SimProducer& p : data_.producers)
+        known = known || (p.login == form.value(QStringLiteral("username")) &&
+                          p.password == form.value(QStringLiteral("password")));
+    if (!known || options_.faults.refuseLogin || form.value(QStringLiteral("client_id")) != u"aplikacja-irzplus")
+        return {401, R"({"error":"invalid_grant","error_description":"Invalid user credentials"})"};
+    const QString token = QString::number(QRandomGenerator::global()->generate64(), 36);
+    tokens_.insert(token);
+    return {200, Json({{QStringLiteral("access_token"), token},
+                       {QStringLiteral("token_type"), QStringLiteral("bearer")},
+                       {QStringLiteral("expires_in"), 300}})};
+}
+
+SimRegistry::Answer SimRegistry::holdings(const httplib::Request& request)
+{
+    const QJsonObject body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
+    const SimOptions current = options();
+    {
+        const std::lock_guard lock(mutex_);
+        ++stats_.holdingsRequests;
+    }
+    if (current.faults.httpErrorHoldings)
+        return {500, Errors("SYS-500", QString::fromUtf8("Błąd wewnętrzny"))};
+    if (current.faults.notJsonHoldings)
+        return {200, NotJson};
+    if (current.faults.komunikatHoldings)
+        return {200, Komunikat(QString::fromUtf8("Usługa chwilowo niedostępna"))};
+    const QString number = body.value(u"numerProducenta").toString();
+    const SimProducer* found = producer(number);
+    if (!found)
+        return {200, Komunikat(QStringLiteral("Nie znaleziono producenta ") + number)};
+    QJsonArray list;
+    for (const SimHolding& holding : found->holdings) {
+        bool matches = true;
+        for (const char* key : {"numerDzialalnosci", "typDzialalnosci", "stanDzialalnosci"}) {
+            const QJsonValue wanted = body.value(QLatin1String(key));
+            const QJsonValue value = holding.holding.value(QLatin1String(key));
+            const QString actual = value.isObject() ? value.toObject().value(u"kod").toString() : value.toString();
+            matches = matches && (wanted.isUndefined() || wanted.toString() == actual);
+        }
+        if (matches)
+            list.append(holding.holding);
+    }
+    return {200, Json({{QStringLiteral("dzialalnosc"), list}})};
+}
+
+SimRegistry::Answer SimRegistry::spoiled(const QSet<QString>& httpError, const QSet<QString>& komunikat,
+                                         const QSet<QString>& notJson, const QString& key,
+                                         const QString& komunikatText) const
+{
+    if (httpError.contains(key))
+        return {500, Errors("SYS-500", QString::fromUtf8("Błąd wewnętrzny"))};
+    if (notJson.contains(key))
+        return {200, NotJson};
+    if (komunikat.contains(key))
+        return {200, Komunikat(komunikatText)};
+    return {0, {}};
+}
+
+SimRegistry::Answer SimRegistry::animalList(const httplib::Request& request)
+{
+    const QString producerNumber = Param(request, "numerProducenta");
+    const QString holdingNumber = Param(request, "numerDzialalnosci");
+    const QDate stateDate = QDate::fromString(Param(request, "stanDanych"), u"yyyy-MM-dd");
+    const SimFaults faults = options().faults;
+    {
+        const std::lock_guard lock(mutex_);
+        ++stats_.animalListRequests;
+        stats_.animalListHerds.append(holdingNumber);
+    }
+    if (faults.slowHerds.contains(holdingNumber))
+        pause(faults.slowMs);
+    const Answer bad = spoiled(faults.httpErrorHerds, faults.komunikatHerds, faults.notJsonHerds, holdingNumber,
+                               QString::fromUtf8("Brak uprawnień do działalności ") + holdingNumber);
+    if (bad.status != 0)
+        return bad;
+    const SimProducer* found = producer(producerNumber);
+    if (!found)
+        return {200, Komunikat(QStringLiteral("Nie znaleziono producenta ") + producerNumber)};
+    QJsonArray list;
+    const std::lock_guard lock(mutex_); // use changes may rewrite animals meanwhile
+    for (const SimHolding& holding : found->holdings) {
+        if (!holdingNumber.isEmpty() && holding.holding.value(u"numerDzialalnosci").toString() != holdingNumber)
+            continue;
+        for (const QJsonObject& animal : holding.animals) {
+            const QDate birth = QDate::fromString(animal.value(u"dataUrodzenia").toString(), u"yyyy-MM-dd");
+            if (!stateDate.isValid() || !birth.isValid() || birth <= stateDate)
+                list.append(animal);
+        }
+    }
+    return {200, Json({{QStringLiteral("listaZwierzeta"), list}})};
+}
+
+QJsonObject* SimRegistry::findAnimal(const QString& producerNumber, const QString& tag, QString* holdingNumber)
+{
+    for (SimProducer& p : data_.producers) {
+        if (p.numerProducenta != producerNumber)
+            continue;
+        for (SimHolding& holding : p.holdings) {
+            for (QJsonObject& animal : holding.animals) {
+                if (animal.value(u"numerIdentyfikacyjnyZwierzecia").toString() == tag) {
+                    if (holdingNumber)
+                        *holdingNumber = holding.holding.value(u"numerDzialalnosci").toString();
+                    return &animal;
+                }
+            }
+        }
+    }
+    return nullptr;
+}
+
+SimRegistry::Answer SimRegistry::animal(const httplib::Request& request)
+{
+    const QString tag = Param(request, "numerIdentyfikacyjnyZwierzecia");
+    const SimFaults faults = options().faults;
+    {
+        const std::lock_guard lock(mutex_);
+        ++stats_.animalRequests;
+    }
+    if (faults.slowAnimals.contains(tag))
+        pause(faults.slowMs);
+    const Answer bad = spoiled(faults.httpErrorAnimals, faults.komunikatAnimals, faults.notJsonAnimals, tag,
+                               QString::fromUtf8("Zwierzę %1 jest zablokowane").arg(tag));
+    if (bad.status != 0)
+        return bad;
+    const std::lock_guard lock(mutex_);
+    const QJsonObject* found = findAnimal(Param(request, "numerProducenta"), tag);
+    if (!found)
+        return {200, Komunikat(QString::fromUtf8("Nie znaleziono zwierzęcia ") + tag)};
+    return {200, Json(*found)};
+}
+
+SimRegistry::Answer SimRegistry::documents(const httplib::Request& request)
+{
+    const QString number = Param(request, "numerDokumentu");
+    const std::lock_guard lock(mutex_);
+    ++stats_.documentRequests;
+    QJsonArray list;
+    for (const QJsonValue document : documents_)
+        if (number.isEmpty() || document.toObject().value(u"numerDokumentu").toString() == number)
+            list.append(document);
+    return {200, Json({{QStringLiteral("dokumenty"), list}})};
+}
+
+SimRegistry::Answer SimRegistry::useChange(const httplib::Request& request)
+{
+    const QJsonObject body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
+    const QJsonObject position =
+        body.value(u"zgloszenie").toObject().value(u"pozycje").toArray().first().toObject();
+    const QString tag = position.value(u"numerIdentyfikacyjnyZwierzecia").toString();
+    const std::lock_guard lock(mutex_);
+    ++stats_.useChangeRequests;
+    QJsonObject* animal = findAnimal(body.value(u"numerProducenta").toString(), tag);
+    if (!animal)
+        return {200, Json({{QStringLiteral("komunikat"), QStringLiteral("Zgłoszenie odrzucone")},
+                           {QStringLiteral("bledy"),
+                            QJsonArray{QJsonObject{{QStringLiteral("kodBledu"), QStringLiteral("ZW-404")},
+                                                   {QStringLiteral("komunikat"),
+                                                    QString::fromUtf8("Nie znaleziono zwierzęcia ") + tag}}}}})};
+    const QString direction = position.value(u"kierunekUzytkowy").toObject().value(u"kod").toString();
+    if (!direction.isEmpty())
+        animal->insert(QStringLiteral("kierunekUzytkownia"), QJsonObject{{QStringLiteral("kod"), direction},
+                                                                         {QStringLiteral("opis"), direction}});
+    const QString number = QStringLiteral("ZTUKU/%1/%2").arg(QDate::currentDate().year()).arg(++documentCounter_, 6, 10, QLatin1Char('0'));
+    const QString now = QDateTime::currentDateTime().toString(u"yyyy-MM-ddTHH:mm:ss");
+    documents_.append(QJsonObject{{QStringLiteral("numerDokumentu"), number},
+                                  {QStringLiteral("typDokumentu"), QStringLiteral("ZTUKU")},
+                                  {QStringLiteral("dataZlozeniaDokumentu"), now},
+                                  {QStringLiteral("dataUtworzenia"), now},
+                                  {QStringLiteral("dataModyfikacji"), now},
+                                  {QStringLiteral("statusDokumentu"), QStringLiteral("7")},
+                                  {QStringLiteral("numerKancelaryjny"), QString::number(documentCounter_)},
+                                  {QStringLiteral("komorkaOrganizacyjna"), body.value(u"komorkaOrganizacyjna").toString()}});
+    return {200, Json({{QStringLiteral("numerDokumentu"), number},
+                       {QStringLiteral("komunikat"), QString::fromUtf8("Dokument przyjęty")}})};
+}

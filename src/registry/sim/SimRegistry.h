@@ -1,0 +1,61 @@
+#pragma once
+
+#include "registry/sim/RegistrySimulator.h"
+
+#include <QJsonArray>
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+
+namespace httplib {
+class Server;
+struct Request;
+struct Response;
+} // namespace httplib
+
+// The simulated registry's behaviour behind the HTTP server; every handler runs
+// on one of the server's threads, so all state is guarded by one mutex.
+class SimRegistry {
+public:
+    SimRegistry(SimDataset data, SimOptions options);
+
+    void install(httplib::Server& server);
+    SimStats stats() const;
+    void setOptions(const SimOptions& options);
+
+private:
+    struct Answer {
+        int status = 200;
+        QByteArray body;
+    };
+    using Handler = Answer (SimRegistry::*)(const httplib::Request&);
+
+    void serve(Handler handler, bool needsToken, const httplib::Request& request, httplib::Response& response);
+    void enter();
+    void leave();
+    void pause(int milliseconds) const;
+
+    Answer token(const httplib::Request& request);
+    Answer holdings(const httplib::Request& request);
+    Answer animalList(const httplib::Request& request);
+    Answer animal(const httplib::Request& request);
+    Answer documents(const httplib::Request& request);
+    Answer useChange(const httplib::Request& request);
+
+    const SimProducer* producer(const QString& number) const;
+    QJsonObject* findAnimal(const QString& producerNumber, const QString& tag, QString* holding = nullptr);
+    SimOptions options() const;
+    Answer spoiled(const QSet<QString>& httpError, const QSet<QString>& komunikat, const QSet<QString>& notJson,
+                   const QString& key, const QString& komunikatText) const;
+
+    mutable std::mutex mutex_;
+    std::condition_variable slotFree_;
+    SimDataset data_;
+    SimOptions options_;
+    SimStats stats_;
+    QSet<QString> tokens_;
+    QJsonArray documents_;
+    int active_ = 0;
+    int documentCounter_ = 0;
+};
