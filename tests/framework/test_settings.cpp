@@ -1,0 +1,198 @@
+#include "analysis/AgeInMonths.h"
+#include "analysis/AgeLimits.h"
+#include "framework/DataFolder.h"
+#include "framework/IniFile.h"
+#include "framework/SafeFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+QByteArray ReadAll(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void WriteAll(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+} // namespace
+
+class TestSettings : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void polishTextSurvivesInWindows1250WithCrLf();
+    void missingFilesAndKeysGiveDefaults();
+    void malformedLinesAreSkippedAndKept();
+    void readsBooleansAndIntegers_data();
+    void readsBooleansAndIntegers();
+    void erasingASectionKeepsTheOthers();
+    void aFailedWriteLeavesNoFile();
+    void ageLimitsReadTheirKeys();
+    void startUpSwitches();
+    void dataFolderPrecedenceAndSubfolders();
+    void ageInMonths_data();
+    void ageInMonths();
+};
+
+void TestSettings::polishTextSurvivesInWindows1250WithCrLf()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString folder = QStringLiteral("C:\\Eksport\\Zażółć gęślą jaźń");
+    IniFile(path).writeString(QStringLiteral("PATHS"), QStringLiteral("CSV"), folder);
+    QCOMPARE(IniFile(path).readString(QStringLiteral("paths"), QStringLiteral("csv"), {}), folder);
+    const QByteArray bytes = ReadAll(path);
+    QCOMPARE(bytes, QByteArray("[PATHS]\r\nCSV=C:\\Eksport\\Za\xBF\xF3\xB3\xE6 g\xEA\x9Cl\xB9 ja\x9F\xF1\r\n"));
+}
+
+void TestSettings::missingFilesAndKeysGiveDefaults()
+{
+    QTemporaryDir dir;
+    const IniFile missing(dir.filePath(QStringLiteral("none.ini")));
+    QCOMPARE(missing.readInteger(QStringLiteral("WIEK"), QStringLiteral("X"), 7), 7);
+    QCOMPARE(missing.readString(QStringLiteral("PATHS"), QStringLiteral("CSV"), QStringLiteral("d")), QStringLiteral("d"));
+    QVERIFY(!QFile::exists(missing.path()));
+}
+
+void TestSettings::malformedLinesAreSkippedAndKept()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.ini"));
+    WriteAll(path, "garbage line\r\n[WIEK]\r\n=5\r\nCieletaGrp_Do_150KG_Wiek_Do = 4\r\nbroken\r\n; note\r\n");
+    IniFile ini(path);
+    QCOMPARE(ini.readInteger(QStringLiteral("WIEK"), QStringLiteral("CieletaGrp_Do_150KG_Wiek_Do"), 3), 4);
+    ini.writeInteger(QStringLiteral("WIEK"), QStringLiteral("Nowy"), 1);
+    QCOMPARE(ReadAll(path), QByteArray("garbage line\r\n[WIEK]\r\n=5\r\nCieletaGrp_Do_150KG_Wiek_Do = 4\r\nbroken\r\n"
+                                       "; note\r\nNowy=1\r\n"));
+}
+
+void TestSettings::readsBooleansAndIntegers_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<bool>("flag");
+    QTest::addColumn<int>("number");
+    QTest::newRow("1") << QByteArray("1") << true << 1;
+    QTest::newRow("0") << QByteArray("0") << false << 0;
+    QTest::newRow("true") << QByteArray("true") << true << -1;
+    QTest::newRow("not a number") << QByteArray("abc") << false << -1;
+    QTest::newRow("blank") << QByteArray("") << false << -1;
+}
+
+void TestSettings::readsBooleansAndIntegers()
+{
+    QFETCH(QByteArray, value);
+    QFETCH(bool, flag);
+    QFETCH(int, number);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.ini"));
+    WriteAll(path, "[S]\r\nK=" + value + "\r\n");
+    const IniFile ini(path);
+    QCOMPARE(ini.readBool(QStringLiteral("S"), QStringLiteral("K"), false), flag);
+    QCOMPARE(ini.readInteger(QStringLiteral("S"), QStringLiteral("K"), -1), number);
+}
+
+void TestSettings::erasingASectionKeepsTheOthers()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.ini"));
+    IniFile ini(path);
+    ini.writeInteger(QStringLiteral("WIEK"), QStringLiteral("A"), 1);
+    ini.writeString(QStringLiteral("PATHS"), QStringLiteral("CSV"), QStringLiteral("x"));
+    ini.eraseSection(QStringLiteral("wiek"));
+    const IniFile again(path);
+    QVERIFY(!again.sectionExists(QStringLiteral("WIEK")));
+    QCOMPARE(again.readString(QStringLiteral("PATHS"), QStringLiteral("CSV"), {}), QStringLiteral("x"));
+}
+
+void TestSettings::aFailedWriteLeavesNoFile()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("missing/a.ini"));
+    IniFile ini(path);
+    QVERIFY_THROWS_EXCEPTION(FileWriteError, ini.writeInteger(QStringLiteral("S"), QStringLiteral("K"), 1));
+    QVERIFY(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
+}
+
+void TestSettings::ageLimitsReadTheirKeys()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const AgeLimits defaults = AgeLimits::read(IniFile(path));
+    QList<int> values;
+    for (const AgeLimitKey& key : AgeLimitKeys())
+        values.append(defaults[key.limit]);
+    QCOMPARE(values, (QList<int>{3, 3, 4, 4, 10, 10, 3, 3, 5, 5, 3, 3, 5, 5, 3, 3, 4, 4, 10, 10}));
+    WriteAll(path, "[WIEK]\r\nHalvOpasowGrp_Ponad_450KG_Wiek_Od=12\r\nCieletaGrp_Do_150KG_Wiek_Do=x\r\n");
+    const AgeLimits changed = AgeLimits::read(IniFile(path));
+    QCOMPARE(changed[AgeLimit::HalvOpasowGrp_Ponad_450KG_Wiek_Od], 12);
+    QCOMPARE(changed[AgeLimit::CieletaGrp_Do_150KG_Wiek_Do], 3);
+    IniFile ini(path);
+    defaults.write(ini);
+    QCOMPARE(AgeLimits::read(IniFile(path))[AgeLimit::HalvOpasowGrp_Ponad_450KG_Wiek_Od], 10);
+}
+
+void TestSettings::startUpSwitches()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("COMMON.INI"));
+    CommonSettings none = CommonSettings::read(path);
+    QVERIFY(!none.torvLogin && !none.tester);
+    WriteAll(path, "[PARAM]\r\nTORV_Login=1\r\n");
+    const CommonSettings set = CommonSettings::read(path);
+    QVERIFY(set.torvLogin && !set.tester);
+}
+
+void TestSettings::dataFolderPrecedenceAndSubfolders()
+{
+    QTemporaryDir dir;
+    qputenv("HALVARN_DATA_DIR", dir.filePath(QStringLiteral("env")).toUtf8());
+    QCOMPARE(DataFolder::resolve(dir.filePath(QStringLiteral("arg"))), dir.filePath(QStringLiteral("arg")));
+    QCOMPARE(DataFolder::resolve({}), dir.filePath(QStringLiteral("env")));
+    qunsetenv("HALVARN_DATA_DIR");
+    QCOMPARE(DataFolder::resolve({}), QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    const DataFolder folder(dir.filePath(QStringLiteral("dane")));
+    QVERIFY(folder.prepare());
+    for (const char* sub : {"EXPORT", "SZABLONY", "PDF"})
+        QVERIFY(QDir(folder.root()).exists(QLatin1String(sub)));
+    QCOMPARE(folder.settingsFile(), dir.filePath(QStringLiteral("dane/HALVARN.INI")));
+}
+
+void TestSettings::ageInMonths_data()
+{
+    QTest::addColumn<QDate>("birth");
+    QTest::addColumn<QDate>("onDay");
+    QTest::addColumn<int>("months");
+    QTest::newRow("60 days") << QDate(2024, 1, 15) << QDate(2024, 3, 15) << 2;
+    QTest::newRow("one year: 365 days") << QDate(2023, 1, 15) << QDate(2024, 1, 15) << 11;
+    QTest::newRow("same day") << QDate(2024, 5, 5) << QDate(2024, 5, 5) << 0;
+    QTest::newRow("309 days") << QDate(2023, 1, 15) << QDate(2023, 11, 20) << 11;
+    QTest::newRow("304 days, months differ") << QDate(2023, 1, 15) << QDate(2023, 11, 15) << 10;
+    QTest::newRow("1095 days") << QDate(2020, 3, 10) << QDate(2023, 3, 10) << 35;
+    QTest::newRow("61 days") << QDate(2020, 3, 10) << QDate(2020, 5, 10) << 3;
+    QTest::newRow("730 days") << QDate(2021, 3, 15) << QDate(2023, 3, 15) << 23;
+    QTest::newRow("731 days over 29 February") << QDate(2022, 3, 15) << QDate(2024, 3, 15) << 24;
+    QTest::newRow("reversed") << QDate(2024, 3, 15) << QDate(2024, 1, 15) << 2;
+}
+
+void TestSettings::ageInMonths()
+{
+    QFETCH(QDate, birth);
+    QFETCH(QDate, onDay);
+    QFETCH(int, months);
+    QCOMPARE(AgeInMonths(ToDateTime(birth), ToDateTime(onDay)), months);
+    QCOMPARE(AgeInMonths(ToDateTime(birth) + 0.75, ToDateTime(onDay) + 0.1), months); // times of day do not count
+    const double jan2024 = ToDateTime(QDate(2024, 1, 1));
+    QCOMPARE(AgeInMonths(EmptyDate, jan2024), static_cast<int>((jan2024 + 700000) / 30.4375) + 1);
+}
+
+QTEST_GUILESS_MAIN(TestSettings)
+#include "test_settings.moc"
