@@ -1,0 +1,154 @@
+#include "export/XlsReader.h"
+
+#include "export/xls/XlsWorkbook.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestXls : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cellsOfEveryTypeReadBack();
+    void sheetNamesAreCheckedAndCut_data();
+    void sheetNamesAreCheckedAndCut();
+    void manyStringsSpillIntoContinuations();
+    void largeWorkbookNeedsMoreFatThanTheHeaderHolds();
+    void tooManyRowsAreRefusedBeforeWriting();
+    void failedSaveLeavesNoFileAndReplacesOnSuccess();
+    void emptyWorkbookStillOpens();
+};
+
+void TestXls::cellsOfEveryTypeReadBack()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.xls"));
+    XlsWorkbook book;
+    XlsWorksheet& first = book.addSheet(QStringLiteral("Ogółem"));
+    first.setText(1, 1, QStringLiteral("Zażółć gęślą jaźń"));
+    first.setText(1, 2, QStringLiteral("café"));
+    first.setNumber(2, 1, 42);
+    first.setNumber(2, 2, -1.5);
+    first.setDate(3, 1, QDate(2024, 2, 29));
+    first.setBool(3, 2, true);
+    first.setBool(3, 3, false);
+    first.setText(256, 256, QStringLiteral("róg"));
+    first.setNumber(2, 1, 43); // set again: the last value stands
+    book.addSheet(QStringLiteral("001")).setText(1, 1, QStringLiteral("Zażółć gęślą jaźń"));
+    book.save(path);
+    const QJsonObject read = ReadWorkbook(path);
+    QCOMPARE(SheetNames(read), (QStringList{QStringLiteral("Ogółem"), QStringLiteral("001")}));
+    QCOMPARE(SheetCells(read, 0),
+             (QStringList{QStringLiteral("1,1:text:Zażółć gęślą jaźń"), QStringLiteral("1,2:text:café"),
+                          QStringLiteral("2,1:number:43"), QStringLiteral("2,2:number:-1.5"),
+                          QStringLiteral("3,1:date:2024-02-29"), QStringLiteral("3,2:bool:true"),
+                          QStringLiteral("3,3:bool:false"), QStringLiteral("256,256:text:róg")}));
+    QCOMPARE(SheetCells(read, 1), QStringList{QStringLiteral("1,1:text:Zażółć gęślą jaźń")});
+}
+
+void TestXls::sheetNamesAreCheckedAndCut_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("kept"); // empty: refused
+    QTest::newRow("Polish") << QStringLiteral("Ogółem") << QStringLiteral("Ogółem");
+    QTest::newRow("40 characters") << QString(40, u'ż') << QString(31, u'ż');
+    QTest::newRow("slash") << QStringLiteral("a/b") << QString();
+    QTest::newRow("bracket") << QStringLiteral("[a]") << QString();
+    QTest::newRow("duplicate") << QStringLiteral("OGÓŁEM") << QString();
+}
+
+void TestXls::sheetNamesAreCheckedAndCut()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, kept);
+    XlsWorkbook book;
+    book.addSheet(QStringLiteral("Ogółem"));
+    if (kept.isEmpty() || name == u"Ogółem") {
+        if (name == u"Ogółem")
+            return;
+        QVERIFY_THROWS_EXCEPTION(XlsError, book.addSheet(name));
+        return;
+    }
+    QCOMPARE(book.addSheet(name).name(), kept);
+}
+
+void TestXls::manyStringsSpillIntoContinuations()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.xls"));
+    XlsWorkbook book;
+    XlsWorksheet& sheet = book.addSheet(QStringLiteral("s"));
+    QStringList expected;
+    for (int row = 1; row <= 3000; ++row) {
+        // Texts of varying length and width, some far longer than one record.
+        QString text = QStringLiteral("Zwierzę %1 ").arg(row).repeated(row % 7 + 1);
+        if (row % 500 == 0)
+            text = text.repeated(400);
+        sheet.setText(row, 1, text);
+        expected.append(QStringLiteral("%1,1:text:%2").arg(row).arg(text));
+    }
+    book.save(path);
+    QCOMPARE(SheetCells(ReadWorkbook(path), 0), expected);
+}
+
+void TestXls::largeWorkbookNeedsMoreFatThanTheHeaderHolds()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("big.xls"));
+    XlsWorkbook book;
+    XlsWorksheet& sheet = book.addSheet(QStringLiteral("duży"));
+    for (int row = 1; row <= 65536; ++row)
+        for (int col = 1; col <= 10; ++col)
+            sheet.setNumber(row, col, row * 10 + col);
+    book.save(path);
+    QVERIFY(QFileInfo(path).size() > 109 * 128 * 512); // past what the header's FAT list can map
+    const QJsonObject read = ReadWorkbook(path);
+    const QJsonArray cells = read.value(u"sheets").toArray().at(0).toObject().value(u"cells").toArray();
+    QCOMPARE(cells.size(), 655360);
+    QCOMPARE(cells.last().toArray().at(3).toDouble(), 655370.0);
+}
+
+void TestXls::tooManyRowsAreRefusedBeforeWriting()
+{
+    XlsWorkbook book;
+    XlsWorksheet& sheet = book.addSheet(QStringLiteral("s"));
+    try {
+        sheet.setNumber(65537, 1, 1);
+        QFAIL("row 65537 was accepted");
+    } catch (const XlsError& error) {
+        QVERIFY(QString::fromUtf8(error.what()).contains(QStringLiteral("65536")));
+    }
+    QVERIFY_THROWS_EXCEPTION(XlsError, sheet.setNumber(1, 257, 1));
+    QVERIFY_THROWS_EXCEPTION(XlsError, sheet.setNumber(0, 1, 1));
+}
+
+void TestXls::failedSaveLeavesNoFileAndReplacesOnSuccess()
+{
+    QTemporaryDir dir;
+    XlsWorkbook book;
+    book.addSheet(QStringLiteral("s")).setText(1, 1, QStringLiteral("nowy"));
+    QVERIFY_THROWS_EXCEPTION(XlsError, book.save(dir.filePath(QStringLiteral("brak/a.xls"))));
+    QVERIFY(!QDir(dir.filePath(QStringLiteral("brak"))).exists());
+    const QString path = dir.filePath(QStringLiteral("a.xls"));
+    QFile old(path);
+    QVERIFY(old.open(QIODevice::WriteOnly));
+    old.write("stary plik");
+    old.close();
+    book.save(path);
+    QCOMPARE(SheetCells(ReadWorkbook(path), 0), QStringList{QStringLiteral("1,1:text:nowy")});
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("a.xls")});
+}
+
+void TestXls::emptyWorkbookStillOpens()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("a.xls"));
+    XlsWorkbook().save(path);
+    QCOMPARE(SheetNames(ReadWorkbook(path)), QStringList{QStringLiteral("Arkusz1")});
+}
+
+QTEST_GUILESS_MAIN(TestXls)
+#include "test_xls.moc"
