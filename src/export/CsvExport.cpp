@@ -3,6 +3,8 @@
 #include "app/tables/Table.h"
 #include "framework/Cp1250.h"
 
+#include <QHash>
+
 namespace {
 const char* const Title =
     "LP;NrProducenta;Rasa;Płeć;NrZwierzęcia;Grupatechnologiczna;DataUrodzenia;Wiek;TypUzytkowy;"
@@ -29,11 +31,16 @@ QByteArray SummaryCsv(Table& summary, const std::vector<int>& rows, const QStrin
     std::vector<int> fields;
     for (const char* field : Fields)
         fields.push_back(summary.requireField(QLatin1String(field)));
+    QHash<QString, int> firstRowOf; // the lookup by identification number, built once
+    for (int row = summary.recordCount() - 1; row >= 0; --row)
+        firstRowOf.insert(AsString(summary.at(row, number)), row);
     QString text = QString::fromUtf8(Title) + QStringLiteral("\r\n");
     int line = 0;
     for (int row : rows) {
         // Should the lookup find nothing, the line comes from the current record.
-        summary.locate(number, summary.at(row, number));
+        const auto found = firstRowOf.constFind(AsString(summary.at(row, number)));
+        if (found != firstRowOf.cend())
+            summary.moveTo(*found);
         text += Quoted(QString::number(++line)) + Quoted(producer);
         for (int field : fields)
             text += Quoted(DisplayText(summary.value(field)));

@@ -1,0 +1,284 @@
+#include "registry/sim/RegistrySimulator.h"
+
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <future>
+
+namespace {
+struct Answer {
+    int status = 0;
+    QByteArray body;
+    QJsonObject json() const { return QJsonDocument::fromJson(body).object(); }
+};
+
+// A plain blocking client for the tests.
+class Client {
+public:
+    explicit Client(const RegistrySimulator& sim) : base_(sim.baseUrl()) {}
+
+    Answer get(const QString& path) { return send(false, path, {}); }
+    Answer post(const QString& path, const QByteArray& body) { return send(true, path, body); }
+    bool logIn(const QString& login = QStringLiteral("uzytkownik.testowy.1"),
+               const QString& password = QStringLiteral("Zielonka7Kb2!"))
+    {
+        const Answer a = post(QStringLiteral("/auth/realms/ewniosekplus/protocol/openid-connect/token"),
+                              (QStringLiteral("username=") + login + QStringLiteral("&password=") + password +
+                               QStringLiteral("&client_id=aplikacja-irzplus&grant_type=password"))
+                                  .toUtf8());
+        token_ = a.json().value(u"access_token").toString();
+        return a.status == 200;
+    }
+
+private:
+    Answer send(bool post, const QString& path, const QByteArray& body)
+    {
+        QNetworkRequest request(QUrl(base_ + path));
+        request.setRawHeader("Authorization", "Bearer " + token_.toUtf8());
+        request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+        std::unique_ptr<QNetworkReply> reply(post ? network_.post(request, body) : network_.get(request));
+        QEventLoop loop;
+        QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
+        loop.exec();
+        return {reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll()};
+    }
+
+    QString base_;
+    QString token_;
+    QNetworkAccessManager network_;
+};
+
+const QString Producer = QStringLiteral("071234562");
+QString Holding(int n)
+{
+    return Producer + QStringLiteral("-00%1").arg(n);
+}
+QString AnimalList(const QString& holding, const QString& extra = {})
+{
+    return QStringLiteral("/api/indywidualne/zwierze/api/prod/zwierzetaIndywidualne?numerProducenta=071234562&gatunek=BYD"
+                          "&numerDzialalnosci=") + holding + extra;
+}
+QString Single(const QString& tag)
+{
+    return QStringLiteral("/api/indywidualne/zwierze/api/test/zwierzeIndywidualne?numerProducenta=071234562"
+                          "&numerIdentyfikacyjnyZwierzecia=") + tag;
+}
+
+SimDataset Demo()
+{
+    DemoOptions options;
+    options.referenceDate = QDate(2026, 11, 1);
+    return GenerateDemoDataset(options);
+}
+} // namespace
+
+class TestRegistrySim : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void logInAcceptsOnlyTheFormAsSent_data();
+    void logInAcceptsOnlyTheFormAsSent();
+    void requestsNeedTheToken();
+    void holdingsAndAnimalsHaveTheRegistryShapes();
+    void demoDataIsRealisticAndRepeatable();
+    void faultsSpoilTheChosenAnswers_data();
+    void faultsSpoilTheChosenAnswers();
+    void concurrencyIsCapped();
+    void datasetSurvivesARoundTrip();
+    void useChangeCreatesADocument();
+};
+
+void TestRegistrySim::logInAcceptsOnlyTheFormAsSent_data()
+{
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("right") << QStringLiteral("Zielonka7Kb2!") << true;
+    QTest::newRow("wrong") << QStringLiteral("zielonka") << false;
+}
+
+void TestRegistrySim::logInAcceptsOnlyTheFormAsSent()
+{
+    QFETCH(QString, password);
+    QFETCH(bool, accepted);
+    RegistrySimulator sim(Demo());
+    QVERIFY(sim.start());
+    Client client(sim);
+    QCOMPARE(client.logIn(QStringLiteral("uzytkownik.testowy.1"), password), accepted);
+    // A password with "&" breaks the unencoded form, so it can never match.
+    SimDataset data = Demo();
+    data.producers[0].password = QStringLiteral("a&b");
+    RegistrySimulator ampersand(data);
+    QVERIFY(ampersand.start());
+    QVERIFY(!Client(ampersand).logIn(QStringLiteral("uzytkownik.testowy.1"), QStringLiteral("a&b")));
+}
+
+void TestRegistrySim::requestsNeedTheToken()
+{
+    RegistrySimulator sim(Demo());
+    QVERIFY(sim.start());
+    Client client(sim);
+    QCOMPARE(client.get(AnimalList(Holding(1))).status, 401);
+    QVERIFY(client.logIn());
+    QCOMPARE(client.get(AnimalList(Holding(1))).status, 200);
+}
+
+void TestRegistrySim::holdingsAndAnimalsHaveTheRegistryShapes()
+{
+    RegistrySimulator sim(Demo());
+    QVERIFY(sim.start());
+    Client client(sim);
+    QVERIFY(client.logIn());
+    const QJsonArray holdings =
+        client.post(QStringLiteral("/api/dzialalnosci/api/prod/dzialalnosci"), R"({"numerProducenta":"071234562"})")
+            .json()
+            .value(u"dzialalnosc")
+            .toArray();
+    QStringList states;
+    for (const QJsonValue h : holdings)
+        states.append(h[u"numerDzialalnosci"].toString() + u' ' + h[u"stanDzialalnosci"][u"kod"].toString());
+    QCOMPARE(states, (QStringList{Holding(1) + QStringLiteral(" SDZA"), Holding(2) + QStringLiteral(" SDZA"),
+                                  Holding(3) + QStringLiteral(" SDZA"), Holding(4) + QStringLiteral(" SDZZ"),
+                                  Holding(5) + QStringLiteral(" SDZA")}));
+    QVERIFY(client.get(AnimalList(Holding(5))).json().value(u"listaZwierzeta").toArray().isEmpty());
+    const QJsonArray herd = client.get(AnimalList(Holding(2))).json().value(u"listaZwierzeta").toArray();
+    QCOMPARE(herd.size(), 85);
+    const QJsonArray older =
+        client.get(AnimalList(Holding(2), QStringLiteral("&stanDanych=2024-01-01"))).json().value(u"listaZwierzeta").toArray();
+    QVERIFY(older.size() < herd.size());
+    const QString tag = herd.at(0)[u"numerIdentyfikacyjnyZwierzecia"].toString();
+    const QJsonObject animal = client.get(Single(tag)).json();
+    QCOMPARE(animal.value(u"numerIdentyfikacyjnyZwierzecia").toString(), tag);
+    QVERIFY(!animal.value(u"srodkiIdentyfikacji").toArray().isEmpty());
+    QVERIFY(client.get(Single(QStringLiteral("PL000000000000"))).json().contains(u"komunikat"));
+    QVERIFY(client.post(QStringLiteral("/api/dzialalnosci/api/prod/dzialalnosci"), R"({"numerProducenta":"1"})")
+                .json()
+                .contains(u"komunikat"));
+    QCOMPARE(sim.stats().animalListHerds.count(Holding(4)), 0);
+}
+
+void TestRegistrySim::demoDataIsRealisticAndRepeatable()
+{
+    const SimDataset data = Demo();
+    QCOMPARE(QJsonDocument(data.toJson()).toJson(), QJsonDocument(Demo().toJson()).toJson());
+    const QRegularExpression tagForm(QStringLiteral("^PL\\d{12}$"));
+    int withoutBirth = 0;
+    QSet<QString> tags;
+    for (const SimHolding& holding : data.producers[0].holdings) {
+        QSet<QString> herdTags;
+        for (const QJsonObject& a : holding.animals)
+            herdTags.insert(a.value(u"numerIdentyfikacyjnyZwierzecia").toString());
+        for (const QJsonObject& a : holding.animals) {
+            const QString tag = a.value(u"numerIdentyfikacyjnyZwierzecia").toString();
+            QVERIFY(tagForm.match(tag).hasMatch());
+            QVERIFY(!tags.contains(tag));
+            tags.insert(tag);
+            withoutBirth += a.contains(u"dataUrodzenia") ? 0 : 1;
+            const QString mother = a.value(u"numerIdentyfikacyjnyMatki").toString();
+            QVERIFY(mother.isEmpty() || herdTags.contains(mother));
+        }
+    }
+    QVERIFY(withoutBirth >= 1);
+}
+
+void TestRegistrySim::faultsSpoilTheChosenAnswers_data()
+{
+    QTest::addColumn<int>("fault");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("bodyStart");
+    QTest::newRow("HTTP error for a herd") << 0 << 500 << QStringLiteral("{\"bledy\"");
+    QTest::newRow("komunikat for a herd") << 1 << 200 << QStringLiteral("{\"komunikat\"");
+    QTest::newRow("not JSON for a herd") << 2 << 200 << QStringLiteral("<html>");
+    QTest::newRow("slow herd") << 3 << 200 << QStringLiteral("{\"listaZwierzeta\"");
+}
+
+void TestRegistrySim::faultsSpoilTheChosenAnswers()
+{
+    QFETCH(int, fault);
+    QFETCH(int, status);
+    QFETCH(QString, bodyStart);
+    RegistrySimulator sim(Demo());
+    SimOptions options;
+    QSet<QString>* sets[] = {&options.faults.httpErrorHerds, &options.faults.komunikatHerds,
+                             &options.faults.notJsonHerds, &options.faults.slowHerds};
+    sets[fault]->insert(Holding(1));
+    options.faults.slowMs = 300;
+    sim.setOptions(options);
+    QVERIFY(sim.start());
+    Client client(sim);
+    QVERIFY(client.logIn());
+    QElapsedTimer timer;
+    timer.start();
+    const Answer spoiled = client.get(AnimalList(Holding(1)));
+    QCOMPARE(spoiled.status, status);
+    QVERIFY(QString::fromUtf8(spoiled.body).startsWith(bodyStart));
+    QCOMPARE(timer.elapsed() >= 300, fault == 3);
+    QCOMPARE(client.get(AnimalList(Holding(2))).status, 200); // other herds unspoiled
+    options.faults = {};
+    options.faults.refuseLogin = true;
+    sim.setOptions(options);
+    QVERIFY(!client.logIn());
+}
+
+void TestRegistrySim::concurrencyIsCapped()
+{
+    SimOptions options;
+    options.latencyMs = 100;
+    options.maxConcurrent = 2;
+    RegistrySimulator sim(Demo(), options);
+    QVERIFY(sim.start());
+    std::vector<std::future<int>> answers;
+    for (int i = 0; i < 6; ++i)
+        answers.push_back(std::async(std::launch::async, [&sim] {
+            Client client(sim);
+            return client.logIn() ? 1 : 0;
+        }));
+    int ok = 0;
+    for (auto& a : answers)
+        ok += a.get();
+    QCOMPARE(ok, 6);
+    QCOMPARE(sim.stats().maxConcurrentSeen, 2);
+}
+
+void TestRegistrySim::datasetSurvivesARoundTrip()
+{
+    const SimDataset data = Demo();
+    const QJsonObject json = data.toJson();
+    QCOMPARE(SimDataset::fromJson(json).toJson(), json);
+}
+
+void TestRegistrySim::useChangeCreatesADocument()
+{
+    RegistrySimulator sim(Demo());
+    QVERIFY(sim.start());
+    Client client(sim);
+    QVERIFY(client.logIn());
+    const QString tag =
+        client.get(AnimalList(Holding(3))).json().value(u"listaZwierzeta").toArray().at(0)[u"numerIdentyfikacyjnyZwierzecia"].toString();
+    const QJsonObject answer =
+        client.post(QStringLiteral("/api/indywidualne/dokument/api/prod/ztuku"),
+                    (QStringLiteral(R"({"numerProducenta":"071234562","zgloszenie":{"numerDzialalnosci":"071234562-003",)"
+                                    R"("gatunek":{"kod":"BYD"},"dataOkresleniaTypuIKierunkuUzytkowania":"2026-11-23",)"
+                                    R"("pozycje":[{"lp":"1","numerIdentyfikacyjnyZwierzecia":")") +
+                     tag + QStringLiteral(R"(","kierunekUzytkowy":{"kod":"ML"},"celZmiany":{"kod":"ZKU"}}]}})"))
+                        .toUtf8())
+            .json();
+    const QString document = answer.value(u"numerDokumentu").toString();
+    QVERIFY(!document.isEmpty());
+    const QJsonArray documents =
+        client.get(QStringLiteral("/api/dokumenty/dokument/api/prod/listaDokumentow?numerProducenta=071234562&numerDokumentu=") +
+                   document)
+            .json()
+            .value(u"dokumenty")
+            .toArray();
+    QCOMPARE(documents.size(), 1);
+    QCOMPARE(client.get(Single(tag)).json().value(u"kierunekUzytkownia")[u"kod"].toString(), QStringLiteral("ML"));
+}
+
+QTEST_GUILESS_MAIN(TestRegistrySim)
+#include "test_registry_sim.moc"
