@@ -238,6 +238,5 @@ QString TdmIRZ_PLUS::AnimalQueue::next()
     std::unique_ptr<HttpExchange> exchange = std::move(inFlight_.front());
     inFlight_.pop_front();
     ++nextIndex_;
-    fill();
     return client_.getAnswer(*exchange);
 }

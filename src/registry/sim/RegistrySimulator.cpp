@@ -19,6 +19,7 @@ RegistrySimulator::RegistrySimulator(SimDataset data, SimOptions options)
     : server_(std::make_unique<Server>(std::move(data), std::move(options)))
 {
     server_->http.new_task_queue = [] { return new httplib::ThreadPool(16); }; // httplib takes ownership
+    server_->http.set_tcp_nodelay(true); // answers go out at once, as a real registry's would
     server_->registry.install(server_->http);
 }
 

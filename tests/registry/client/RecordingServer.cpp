@@ -44,14 +44,16 @@ void RecordingServer::readFrom(QTcpSocket* socket)
     pending_.remove(socket);
     requests_.push_back(request);
     const Reply reply = responder_(request);
+    mostUnanswered_ = std::max(mostUnanswered_, ++unanswered_);
     if (reply.delayMs > 0)
-        QTimer::singleShot(reply.delayMs, socket, [socket, reply] { answer(socket, reply); });
+        QTimer::singleShot(reply.delayMs, socket, [this, socket, reply] { answer(socket, reply); });
     else
         answer(socket, reply);
 }
 
 void RecordingServer::answer(QTcpSocket* socket, const Reply& reply)
 {
+    --unanswered_;
     const QByteArray reason = reply.status == 200 ? "OK" : reply.status == 401 ? "Unauthorized" : "Internal Server Error";
     socket->write("HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reason + "\r\nContent-Type: application/json\r\n"
                   "Content-Length: " + QByteArray::number(reply.body.size()) + "\r\nConnection: close\r\n\r\n" +

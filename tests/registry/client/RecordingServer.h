@@ -28,14 +28,17 @@ public:
     explicit RecordingServer(Responder responder);
     QString baseUrl() const;
     const std::vector<Request>& requests() const { return requests_; }
+    int mostUnanswered() const { return mostUnanswered_; } // requests waiting for an answer at once
 
 private:
     void accept();
     void readFrom(QTcpSocket* socket);
-    static void answer(QTcpSocket* socket, const Reply& reply);
+    void answer(QTcpSocket* socket, const Reply& reply);
 
     QTcpServer server_;
     Responder responder_;
     std::vector<Request> requests_;
     QHash<QTcpSocket*, QByteArray> pending_;
+    int unanswered_ = 0;
+    int mostUnanswered_ = 0;
 };
