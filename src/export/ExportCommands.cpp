@@ -42,11 +42,13 @@ ExportNaming ExportCommands::naming(const QString& folder) const
 
 void ExportCommands::exportSummaryXls()
 {
-    const QString path = naming(exportFolder_).ExportFileName(Text("Zwierzęta FILTROWANE-"), true, QStringLiteral(".XLS"));
-    XlsWorkbook workbook;
-    WriteSummarySheet(workbook.addSheet(Text("Ogółem")), session_.tables().mdRZ00(),
-                      session_.host().summaryRowsInDisplayOrder());
-    if (save(workbook, path))
+    const QString path =
+        naming(exportFolder_).ExportFileName(Text("Zwierzęta FILTROWANE-"), true, QStringLiteral(".XLS"));
+    const std::vector<int> rows = session_.host().summaryRowsInDisplayOrder();
+    const bool saved = writeWorkbook(path, [&](XlsWorkbook& workbook) {
+        WriteSummarySheet(workbook.addSheet(Text("Ogółem")), session_.tables().mdRZ00(), rows);
+    });
+    if (saved)
         AskOpenFile(path);
 }
 
@@ -90,21 +92,21 @@ void ExportCommands::exportHerdGroups()
 bool ExportCommands::writeHerdAnimals(const QString& herd, QString& path)
 {
     path = naming(exportFolder_).ExportFileName(Text("Zwierzęta-"), true, QStringLiteral(".XLS"));
-    XlsWorkbook workbook;
-    addHerdSheets(workbook, herd, [](XlsWorksheet& sheet, const THerdSlot& slot) {
-        WriteHerdAnimalsSheet(sheet, *slot.AnimalsTable);
+    return writeWorkbook(path, [&](XlsWorkbook& workbook) {
+        addHerdSheets(workbook, herd, [](XlsWorksheet& sheet, const THerdSlot& slot) {
+            WriteHerdAnimalsSheet(sheet, *slot.AnimalsTable);
+        });
     });
-    return save(workbook, path);
 }
 
 bool ExportCommands::writeHerdGroups(const QString& herd, QString& path)
 {
     path = naming(exportFolder_).ExportFileName(QStringLiteral("Grupy-"), false, QStringLiteral(".XLS"));
-    XlsWorkbook workbook;
-    addHerdSheets(workbook, herd, [](XlsWorksheet& sheet, const THerdSlot& slot) {
-        WriteHerdGroupsSheet(sheet, *slot.GroupsTable);
+    return writeWorkbook(path, [&](XlsWorkbook& workbook) {
+        addHerdSheets(workbook, herd, [](XlsWorksheet& sheet, const THerdSlot& slot) {
+            WriteHerdGroupsSheet(sheet, *slot.GroupsTable);
+        });
     });
-    return save(workbook, path);
 }
 
 // "ALL" gives the summary and every downloaded herd, "000" the summary alone,
@@ -124,9 +126,13 @@ void ExportCommands::addHerdSheets(XlsWorkbook& workbook, const QString& herd, F
     }
 }
 
-bool ExportCommands::save(const XlsWorkbook& workbook, const QString& path)
+// Building the sheets can already fail (a sheet too long for the format), so
+// it happens inside the same guard as the save: either way nothing is written.
+bool ExportCommands::writeWorkbook(const QString& path, const std::function<void(XlsWorkbook&)>& build)
 {
     try {
+        XlsWorkbook workbook;
+        build(workbook);
         workbook.save(path);
         return true;
     } catch (const std::exception& error) {

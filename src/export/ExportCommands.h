@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <functional>
+
 class HalvarnSession;
 class XlsWorkbook;
 struct ExportNaming;
@@ -29,7 +31,7 @@ public:
 private:
     ExportNaming naming(const QString& folder) const;
     template <class FillSheet> void addHerdSheets(XlsWorkbook& workbook, const QString& herd, FillSheet fill);
-    bool save(const XlsWorkbook& workbook, const QString& path);
+    bool writeWorkbook(const QString& path, const std::function<void(XlsWorkbook&)>& build);
     void AskOpenFile(const QString& path);
     void showSaved(const QString& path);
 

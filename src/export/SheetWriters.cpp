@@ -26,6 +26,21 @@ void WriteValue(XlsWorksheet& sheet, int row, int column, const FieldValue& valu
         sheet.setBool(row, column, *flag);
 }
 
+// A sheet holds its title row, the records and the closing row; one that would
+// not fit is refused before any cell is set, so nothing is written.
+void RequireRowsFit(const XlsWorksheet& sheet, std::size_t records)
+{
+    const std::size_t rows = records + 2;
+    if (rows > static_cast<std::size_t>(XlsWorksheet::MaxRows))
+        throw XlsError(QString::fromUtf8("Za dużo wierszy dla arkusza XLS \"%1\": %2 rekordów z tytułem i "
+                                         "podsumowaniem to %3 wierszy, a format pozwala najwyżej na %4. "
+                                         "Plik nie został zapisany.")
+                           .arg(sheet.name())
+                           .arg(records)
+                           .arg(rows)
+                           .arg(XlsWorksheet::MaxRows));
+}
+
 void WriteFields(XlsWorksheet& sheet, int row, const Table& table, int record, std::initializer_list<const char*> fields)
 {
     int column = 1;
@@ -39,6 +54,7 @@ void WriteFields(XlsWorksheet& sheet, int row, const Table& table, int record, s
 
 void WriteSummarySheet(XlsWorksheet& sheet, const Table& summary, const std::vector<int>& rows)
 {
+    RequireRowsFit(sheet, rows.size());
     WriteTitles(sheet, {"Zaznaczone", "Stado", "NumerIdentyfikacyjny", "DataUrodzenia", "Wiek", "TypUzytkowy",
                         "KierunekUzytkowania", "Rozpatrzono", "GdzieRozpatrzono", "CzyMatka", "Płeć"});
     const int mother = summary.requireField(u"CzyMatka");
@@ -59,6 +75,7 @@ void WriteSummarySheet(XlsWorksheet& sheet, const Table& summary, const std::vec
 // first record is never added and the last one twice; the totals are kept so.
 void WriteHerdAnimalsSheet(XlsWorksheet& sheet, Table& animals)
 {
+    RequireRowsFit(sheet, static_cast<std::size_t>(animals.recordCount()));
     WriteTitles(sheet, {"NumerIdentyfikacyjny", "DataUrodzenia", "Wiek", "TypUzytkowy", "KierunekUzytkowania",
                         "Rozpatrzono", "GdzieRozpatrzono", "CzyMatka", "Płeć"});
     const int birth = animals.requireField(u"DataUrodzenia");
@@ -85,6 +102,7 @@ void WriteHerdAnimalsSheet(XlsWorksheet& sheet, Table& animals)
 
 void WriteHerdGroupsSheet(XlsWorksheet& sheet, Table& groups)
 {
+    RequireRowsFit(sheet, static_cast<std::size_t>(groups.recordCount()));
     WriteTitles(sheet, {"Grupa technologiczna", "ZakresWieku", "Ilosc", "Inf. dod."});
     const int count = groups.requireField(u"Ilosc");
     int row = 2;

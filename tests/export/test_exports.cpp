@@ -91,6 +91,8 @@ private Q_SLOTS:
     void groupsWorkbookHasNoTimeAndSumsIlosc();
     void csvFileMatchesByteForByte();
     void failuresAreShownAndLeaveNoFile();
+    void sheetsTooLongForTheFormatAreRefusedBeforeWriting_data();
+    void sheetsTooLongForTheFormatAreRefusedBeforeWriting();
 };
 
 void TestExports::summaryWorkbookFollowsTheGridRows()
@@ -231,6 +233,56 @@ void TestExports::failuresAreShownAndLeaveNoFile()
     }
     QVERIFY(farm.host.questions.isEmpty());
     QVERIFY(QDir(farm.session.dataFolder().exportFolder()).entryList(QDir::Files).isEmpty());
+}
+
+void TestExports::sheetsTooLongForTheFormatAreRefusedBeforeWriting_data()
+{
+    QTest::addColumn<bool>("summary"); // "Export XLS", else "Export rozczytanych zwierząt" of one herd
+    QTest::addColumn<int>("records");
+    QTest::addColumn<bool>("refused");
+    // A sheet holds the title row, the records and the closing row: 65534 records at most.
+    QTest::newRow("summary, fits") << true << 65534 << false;
+    QTest::newRow("summary, one too many") << true << 65535 << true;
+    QTest::newRow("herd, fits") << false << 65534 << false;
+    QTest::newRow("herd, one too many") << false << 65535 << true;
+}
+
+void TestExports::sheetsTooLongForTheFormatAreRefusedBeforeWriting()
+{
+    QFETCH(bool, summary);
+    QFETCH(int, records);
+    QFETCH(bool, refused);
+    Farm farm({});
+    Table& table = summary ? farm.session.tables().mdRZ00() : farm.session.tables().mdRZ(1);
+    table.setReadOnly(false);
+    for (int i = 0; i < records; ++i) {
+        table.append();
+        table.setValue(0, QStringLiteral("PL%1").arg(i));
+        table.setValue(u"CzyMatka", 1);
+        table.post();
+        if (summary)
+            farm.host.summaryRows.push_back(i);
+    }
+    farm.host.herdChoice = QStringLiteral("001");
+    farm.host.answerYes = false;
+    ExportCommands exports(farm.session);
+    if (summary)
+        exports.exportSummaryXls();
+    else
+        exports.exportHerdAnimals();
+    const QStringList files = QDir(farm.session.dataFolder().exportFolder()).entryList(QDir::Files);
+    QCOMPARE(farm.host.messages.size(), 1u);
+    const auto& message = farm.host.messages[0];
+    if (refused) {
+        QCOMPARE(message.caption, QStringLiteral("Błąd..."));
+        QVERIFY2(message.text.contains(QStringLiteral("65536")) && message.text.contains(QStringLiteral("65535")),
+                 qPrintable(message.text));
+        QVERIFY(files.isEmpty());
+        QVERIFY(farm.host.questions.isEmpty());
+    } else {
+        QCOMPARE(message.caption, QStringLiteral("Informacja"));
+        QCOMPARE(files.size(), 1);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestExports)

@@ -5,6 +5,8 @@
 
 #include <QHash>
 
+#include <algorithm>
+
 namespace {
 constexpr int MaxRecordData = 8224;
 constexpr quint16 GeneralXf = 15;
@@ -85,6 +87,8 @@ public:
 
     QByteArray build(const std::vector<QString>& unique, quint32 total)
     {
+        // Excel expects at most 128 buckets, each of the same number of strings (at least 8).
+        bucket_ = std::max<std::size_t>(unique.size() / 128 + 1, 8);
         QByteArray head;
         PutU32(head, total);
         PutU32(head, static_cast<quint32>(unique.size()));
@@ -98,7 +102,7 @@ public:
     QByteArray extSst() const
     {
         QByteArray data;
-        PutU16(data, Bucket);
+        PutU16(data, static_cast<quint16>(bucket_));
         for (const auto& [position, inRecord] : buckets_) {
             PutU32(data, static_cast<quint32>(position));
             PutU16(data, static_cast<quint16>(inRecord));
@@ -108,8 +112,6 @@ public:
     }
 
 private:
-    static constexpr int Bucket = 8;
-
     void startRecord(quint16 type, const QByteArray& head)
     {
         close();
@@ -131,7 +133,7 @@ private:
         const int width = compressed ? 1 : 2;
         if (room() < 3 + width)
             startRecord(Continue, {});
-        if (i % Bucket == 0)
+        if (i % bucket_ == 0)
             buckets_.push_back({offset_ + out_.size() + 4 + record_.size(), 4 + record_.size()});
         PutU16(record_, static_cast<quint16>(text.size()));
         record_.append(static_cast<char>(compressed ? 0 : 1));
@@ -147,13 +149,28 @@ private:
     }
 
     qsizetype offset_;
+    std::size_t bucket_ = 8;
     QByteArray out_;
     quint16 recordType_ = 0;
     QByteArray record_;
     std::vector<std::pair<qsizetype, qsizetype>> buckets_;
 };
 
-QByteArray SheetStream(const XlsWorksheet& sheet, const std::vector<quint32>& textIds)
+// Only the first sheet is selected and shown; several selected sheets would
+// open grouped, and an edit on one would change them all.
+QByteArray Window2Data(bool firstSheet)
+{
+    constexpr quint16 Shown = 0x00B6; // grid lines, headers, zeros, automatic grid colour, outline symbols
+    constexpr quint16 SelectedAndActive = 0x0600;
+    QByteArray window;
+    for (quint16 v : {quint16(firstSheet ? Shown | SelectedAndActive : Shown), quint16(0), quint16(0), quint16(0x40),
+                      quint16(0), quint16(0), quint16(0)})
+        PutU16(window, v);
+    PutU32(window, 0);
+    return window;
+}
+
+QByteArray SheetStream(const XlsWorksheet& sheet, const std::vector<quint32>& textIds, bool firstSheet)
 {
     const std::vector<XlsWorksheet::Cell> cells = sheet.sortedCells();
     QByteArray out;
@@ -169,11 +186,7 @@ QByteArray SheetStream(const XlsWorksheet& sheet, const std::vector<quint32>& te
     PutU16(dimensions, cells.empty() ? 0 : lastCol + 1);
     PutU16(dimensions, 0);
     Put(out, Dimensions, dimensions);
-    QByteArray window;
-    for (quint16 v : {quint16(0x06B6), quint16(0), quint16(0), quint16(0x40), quint16(0), quint16(0), quint16(0)})
-        PutU16(window, v);
-    PutU32(window, 0);
-    Put(out, Window2, window);
+    Put(out, Window2, Window2Data(firstSheet));
     for (const auto& cell : cells) {
         const bool text = cell.kind == XlsWorksheet::Kind::Text;
         const bool flag = cell.kind == XlsWorksheet::Kind::Bool;
@@ -274,7 +287,7 @@ QByteArray WorkbookStream(const std::vector<const XlsWorksheet*>& sheets)
     Put(stream, Eof, {});
     for (std::size_t i = 0; i < sheets.size(); ++i) {
         SetU32(stream, sheetPositionAt[i], static_cast<quint32>(stream.size()));
-        stream += SheetStream(*sheets[i], textIds[i]);
+        stream += SheetStream(*sheets[i], textIds[i], i == 0);
     }
     return stream;
 }

@@ -4,12 +4,9 @@
 #include "export/xls/CompoundFile.h"
 #include "framework/SafeFile.h"
 
-
 #include <algorithm>
 
 namespace {
-constexpr int MaxRows = 65536;
-constexpr int MaxColumns = 256;
 constexpr int MaxSheetName = 31;
 } // namespace
 
@@ -26,6 +23,10 @@ void XlsWorksheet::put(int row, int col, Kind kind, double value)
 
 void XlsWorksheet::setText(int row, int col, const QString& text)
 {
+    if (text.size() > MaxCellText)
+        throw XlsError(QString::fromUtf8("Arkusz \"%1\", wiersz %2, kolumna %3: tekst ma %4 znaków, a komórka XLS "
+                                         "mieści najwyżej %5.")
+                           .arg(name_).arg(row).arg(col).arg(text.size()).arg(MaxCellText));
     put(row, col, Kind::Text, static_cast<double>(texts_.size()));
     texts_.push_back(text);
 }
@@ -72,6 +73,9 @@ XlsWorksheet& XlsWorkbook::addSheet(const QString& name)
     const QString cut = name.left(MaxSheetName);
     if (cut.isEmpty())
         throw XlsError(QString::fromUtf8("Arkusz musi mieć nazwę."));
+    if (cut.startsWith(u'\'') || cut.endsWith(u'\''))
+        throw XlsError(
+            QString::fromUtf8("Nazwa arkusza \"%1\" nie może zaczynać się ani kończyć apostrofem.").arg(cut));
     for (const XlsWorksheet& sheet : sheets_)
         if (sheet.name().compare(cut, Qt::CaseInsensitive) == 0)
             throw XlsError(QString::fromUtf8("Arkusz o nazwie \"%1\" już istnieje.").arg(cut));

@@ -14,9 +14,14 @@ public:
 };
 
 // One worksheet of an Excel 97–2003 workbook. Rows run from 1 to 65536 and
-// columns from 1 to 256; a cell set twice keeps its last value.
+// columns from 1 to 256, a text holds at most 32767 characters; anything
+// beyond raises XlsError. A cell set twice keeps its last value.
 class XlsWorksheet {
 public:
+    static constexpr int MaxRows = 65536;
+    static constexpr int MaxColumns = 256;
+    static constexpr int MaxCellText = 32767;
+
     explicit XlsWorksheet(QString name) : name_(std::move(name)) {}
 
     void setText(int row, int col, const QString& text);

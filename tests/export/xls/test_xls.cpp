@@ -17,7 +17,8 @@ private Q_SLOTS:
     void sheetNamesAreCheckedAndCut();
     void manyStringsSpillIntoContinuations();
     void largeWorkbookNeedsMoreFatThanTheHeaderHolds();
-    void tooManyRowsAreRefusedBeforeWriting();
+    void limitsOfTheFormatAreRefused_data();
+    void limitsOfTheFormatAreRefused();
     void failedSaveLeavesNoFileAndReplacesOnSuccess();
     void emptyWorkbookStillOpens();
 };
@@ -47,6 +48,10 @@ void TestXls::cellsOfEveryTypeReadBack()
                           QStringLiteral("3,1:date:2024-02-29"), QStringLiteral("3,2:bool:true"),
                           QStringLiteral("3,3:bool:false"), QStringLiteral("256,256:text:róg")}));
     QCOMPARE(SheetCells(read, 1), QStringList{QStringLiteral("1,1:text:Zażółć gęślą jaźń")});
+    // Only the first sheet opens selected; two selected sheets would open grouped.
+    const QJsonArray sheets = read.value(u"sheets").toArray();
+    QVERIFY(sheets.at(0).toObject().value(u"selected").toBool());
+    QVERIFY(!sheets.at(1).toObject().value(u"selected").toBool());
 }
 
 void TestXls::sheetNamesAreCheckedAndCut_data()
@@ -58,6 +63,9 @@ void TestXls::sheetNamesAreCheckedAndCut_data()
     QTest::newRow("slash") << QStringLiteral("a/b") << QString();
     QTest::newRow("bracket") << QStringLiteral("[a]") << QString();
     QTest::newRow("duplicate") << QStringLiteral("OGÓŁEM") << QString();
+    QTest::newRow("apostrophe first") << QStringLiteral("'001") << QString();
+    QTest::newRow("apostrophe last") << QStringLiteral("001'") << QString();
+    QTest::newRow("apostrophe inside") << QStringLiteral("Stado 'A'1") << QStringLiteral("Stado 'A'1");
 }
 
 void TestXls::sheetNamesAreCheckedAndCut()
@@ -86,12 +94,20 @@ void TestXls::manyStringsSpillIntoContinuations()
         // Texts of varying length and width, some far longer than one record.
         QString text = QStringLiteral("Zwierzę %1 ").arg(row).repeated(row % 7 + 1);
         if (row % 500 == 0)
-            text = text.repeated(400);
+            text = text.repeated(300);
         sheet.setText(row, 1, text);
         expected.append(QStringLiteral("%1,1:text:%2").arg(row).arg(text));
     }
     book.save(path);
-    QCOMPARE(SheetCells(ReadWorkbook(path), 0), expected);
+    const QJsonObject read = ReadWorkbook(path);
+    QCOMPARE(SheetCells(read, 0), expected);
+    // What Excel itself checks: no record over 8224 bytes, and the string index
+    // in at most 128 buckets of max(strings / 128 + 1, 8) strings each.
+    const QJsonObject biff = read.value(u"biff").toObject();
+    QVERIFY(biff.value(u"longestRecord").toInt() <= 8224);
+    QCOMPARE(biff.value(u"uniqueStrings").toInt(), 3000);
+    QCOMPARE(biff.value(u"stringsPerBucket").toInt(), 3000 / 128 + 1);
+    QCOMPARE(biff.value(u"buckets").toInt(), (3000 + 23) / 24);
 }
 
 void TestXls::largeWorkbookNeedsMoreFatThanTheHeaderHolds()
@@ -111,18 +127,34 @@ void TestXls::largeWorkbookNeedsMoreFatThanTheHeaderHolds()
     QCOMPARE(cells.last().toArray().at(3).toDouble(), 655370.0);
 }
 
-void TestXls::tooManyRowsAreRefusedBeforeWriting()
+void TestXls::limitsOfTheFormatAreRefused_data()
 {
+    QTest::addColumn<int>("row");
+    QTest::addColumn<int>("column");
+    QTest::addColumn<int>("textLength");
+    QTest::addColumn<QString>("complaint"); // empty: accepted
+    QTest::newRow("last row and column") << 65536 << 256 << 1 << QString();
+    QTest::newRow("row 65537") << 65537 << 1 << 1 << QStringLiteral("65536");
+    QTest::newRow("row 0") << 0 << 1 << 1 << QStringLiteral("wiersz 0");
+    QTest::newRow("column 257") << 1 << 257 << 1 << QStringLiteral("kolumna 257");
+    QTest::newRow("longest text") << 1 << 1 << 32767 << QString();
+    QTest::newRow("text too long") << 1 << 1 << 32768 << QStringLiteral("32767");
+}
+
+void TestXls::limitsOfTheFormatAreRefused()
+{
+    QFETCH(int, row);
+    QFETCH(int, column);
+    QFETCH(int, textLength);
+    QFETCH(QString, complaint);
     XlsWorkbook book;
     XlsWorksheet& sheet = book.addSheet(QStringLiteral("s"));
     try {
-        sheet.setNumber(65537, 1, 1);
-        QFAIL("row 65537 was accepted");
+        sheet.setText(row, column, QString(textLength, u'ż'));
+        QVERIFY2(complaint.isEmpty(), "the cell was accepted");
     } catch (const XlsError& error) {
-        QVERIFY(QString::fromUtf8(error.what()).contains(QStringLiteral("65536")));
+        QVERIFY2(!complaint.isEmpty() && QString::fromUtf8(error.what()).contains(complaint), error.what());
     }
-    QVERIFY_THROWS_EXCEPTION(XlsError, sheet.setNumber(1, 257, 1));
-    QVERIFY_THROWS_EXCEPTION(XlsError, sheet.setNumber(0, 1, 1));
 }
 
 void TestXls::failedSaveLeavesNoFileAndReplacesOnSuccess()
