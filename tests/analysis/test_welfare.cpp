@@ -94,73 +94,120 @@ void TestWelfare::oneAnimal_data()
     QTest::addColumn<QString>("herdMark");
     QTest::addColumn<QString>("where");
     QTest::addColumn<QString>("counts");
-    const QString mamek = QStringLiteral("Halvarn krów mamek, -");
-    const QString opasow = QStringLiteral("Halvarn opasów, -");
-    const QString none;
-    // Block A: meat cows, or combined cows of meat direction.
-    QTest::newRow("A1 suckler cow") << QStringLiteral("A") << none << QStringLiteral("XX") << QStringLiteral("MI") << QStringLiteral("MI") << 30 << QStringLiteral("D") << QStringLiteral("D") << mamek << QStringLiteral("I1 P2");
-    QTest::newRow("A1 combined, meat direction") << QStringLiteral("ABC") << none << QStringLiteral("XX") << QStringLiteral("KO") << QStringLiteral("MI") << 25 << QStringLiteral("D") << QStringLiteral("D") << mamek << QStringLiteral("I1 P2");
-    QTest::newRow("A2 calf of 8 months") << QStringLiteral("A") << none << QStringLiteral("XY") << QStringLiteral("MI") << QStringLiteral("OP") << 8 << QStringLiteral("D") << QStringLiteral("D") << mamek << QStringLiteral("I1 P3");
-    QTest::newRow("A3 with a raised limit") << QStringLiteral("A") << QStringLiteral("HalvKrowMamekGrp_Cieleta_Do_150KG_Wiek_Do=10") << QStringLiteral("XY") << QStringLiteral("MI")
-                                            << QStringLiteral("MI") << 9 << QStringLiteral("D") << QStringLiteral("D") << mamek << QStringLiteral("I1 P4");
-    QTest::newRow("A4 with raised limits") << QStringLiteral("A") << QStringLiteral("HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Od=8;"
-                                                                             "HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do=10")
-                                           << QStringLiteral("XY") << QStringLiteral("MI") << QStringLiteral("MI") << 9 << QStringLiteral("D") << QStringLiteral("D") << mamek << QStringLiteral("I1 P5");
-    QTest::newRow("A6 heifer: no code in the summary") << QStringLiteral("ABC") << none << QStringLiteral("XX") << QStringLiteral("MI") << QStringLiteral("MI") << 12 << QStringLiteral("")
-                                                       << QStringLiteral("DX") << mamek << QStringLiteral("I1 P7");
-    QTest::newRow("A7 heifer") << QStringLiteral("A") << none << QStringLiteral("XX") << QStringLiteral("MI") << QStringLiteral("MI") << 24 << QStringLiteral("D") << QStringLiteral("D") << mamek << QStringLiteral("I1 P8");
-    QTest::newRow("A: a young bull fits no step, C unticked") << QStringLiteral("A") << none << QStringLiteral("XY") << QStringLiteral("MI") << QStringLiteral("MI") << 12 << QStringLiteral("null")
-                                                              << QStringLiteral("null") << QStringLiteral("null") << QStringLiteral("");
-    QTest::newRow("A: dairy cows are not sucklers") << QStringLiteral("A") << none << QStringLiteral("XX") << QStringLiteral("ML") << QStringLiteral("ML") << 30 << QStringLiteral("null") << QStringLiteral("null")
-                                                    << QStringLiteral("null") << QStringLiteral("");
-    // Block B: fattening directions up to 18 months, with independent sub-counts.
-    QTest::newRow("B 12-month bull: sub 15") << QStringLiteral("BC") << none << QStringLiteral("XY") << QStringLiteral("MI") << QStringLiteral("OP") << 12 << QStringLiteral("D") << QStringLiteral("D") << opasow << QStringLiteral("I10 P15");
-    QTest::newRow("B up to 150 kg") << QStringLiteral("B") << none << QStringLiteral("XY") << QStringLiteral("ML") << QStringLiteral("MLOP") << 2 << QStringLiteral("D") << QStringLiteral("D") << opasow << QStringLiteral("I10 P11");
-    QTest::newRow("B 150-220 kg") << QStringLiteral("B") << none << QStringLiteral("XY") << QStringLiteral("KO") << QStringLiteral("MIOP") << 4 << QStringLiteral("D") << QStringLiteral("D") << opasow << QStringLiteral("I10 P12");
-    QTest::newRow("B 220-300 kg") << QStringLiteral("B") << none << QStringLiteral("XX") << QStringLiteral("KO") << QStringLiteral("OP") << 6 << QStringLiteral("D") << QStringLiteral("D") << opasow << QStringLiteral("I10 P13");
-    QTest::newRow("B 300-450 kg") << QStringLiteral("B") << none << QStringLiteral("XY") << QStringLiteral("MI") << QStringLiteral("OP") << 9 << QStringLiteral("D") << QStringLiteral("D") << opasow << QStringLiteral("I10 P14");
-    QTest::newRow("B overlapping limits count twice") << QStringLiteral("B") << QStringLiteral("HalvOpasowGrp_Do_150KG_Wiek_Do=5") << QStringLiteral("XY") << QStringLiteral("MI")
-                                                      << QStringLiteral("OP") << 4 << QStringLiteral("D") << QStringLiteral("D") << opasow << QStringLiteral("I10 P11 P12");
-    QTest::newRow("B stops at 18 months") << QStringLiteral("BC") << none << QStringLiteral("XY") << QStringLiteral("MI") << QStringLiteral("OP") << 19 << QStringLiteral("X") << QStringLiteral("X")
-                                          << QStringLiteral("Byki, 6 > Wiek <= 24") << QStringLiteral("I35");
-    QTest::newRow("B needs a fattening direction") << QStringLiteral("B") << none << QStringLiteral("XY") << QStringLiteral("MI") << QStringLiteral("MI") << 5 << QStringLiteral("null") << QStringLiteral("null")
-                                                   << QStringLiteral("null") << QStringLiteral("");
-    // Block C.
-    QTest::newRow("C1 dairy cow") << QStringLiteral("C") << none << QStringLiteral("XX") << QStringLiteral("ML") << QStringLiteral("ML") << 30 << QStringLiteral("D") << QStringLiteral("D")
-                                  << QStringLiteral("Halvarn krów mlecznych, 24 > Wiek") << QStringLiteral("I17");
-    QTest::newRow("C1 combined, milk direction") << QStringLiteral("C") << none << QStringLiteral("XX") << QStringLiteral("KO") << QStringLiteral("ML") << 25 << QStringLiteral("D") << QStringLiteral("D")
-                                                 << QStringLiteral("Halvarn krów mlecznych, 24 > Wiek") << QStringLiteral("I17");
-    QTest::newRow("C2 up to 150 kg") << QStringLiteral("C") << none << QStringLiteral("XY") << QStringLiteral("ML") << QStringLiteral("OP") << 2 << QStringLiteral("X") << QStringLiteral("X")
-                                     << QStringLiteral("Bydło opasowe do 300 kg, 6 > Wiek <= 8") << QStringLiteral("I19 P20");
-    QTest::newRow("C2 150-220 kg") << QStringLiteral("C") << none << QStringLiteral("XY") << QStringLiteral("ML") << QStringLiteral("OP") << 4 << QStringLiteral("X") << QStringLiteral("X")
-                                   << QStringLiteral("Bydło opasowe do 300 kg, 6 > Wiek <= 8") << QStringLiteral("I19 P21");
-    QTest::newRow("C2 220-300 kg") << QStringLiteral("C") << none << QStringLiteral("XY") << QStringLiteral("KO") << QStringLiteral("MLOP") << 8 << QStringLiteral("X") << QStringLiteral("X")
-                                   << QStringLiteral("Bydło opasowe do 300 kg, 6 > Wiek <= 8") << QStringLiteral("I19 P22");
-    QTest::newRow("C3 300-450 kg") << QStringLiteral("C") << none << QStringLiteral("XY") << QStringLiteral("MI") << QStringLiteral("MIOP") << 10 << QStringLiteral("X") << QStringLiteral("X")
-                                   << QStringLiteral("Bydło opasowe ponad 300 kg, 8 > Wiek <= 18") << QStringLiteral("I23 P24");
-    QTest::newRow("C3 over 450 kg") << QStringLiteral("C") << none << QStringLiteral("XX") << QStringLiteral("MI") << QStringLiteral("OP") << 18 << QStringLiteral("X") << QStringLiteral("X")
-                                    << QStringLiteral("Bydło opasowe ponad 300 kg, 8 > Wiek <= 18") << QStringLiteral("I23 P25");
-    QTest::newRow("C4 female calf of 3 months") << QStringLiteral("C") << none << QStringLiteral("XX") << QStringLiteral("ML") << QStringLiteral("ML") << 3 << QStringLiteral("X") << QStringLiteral("X")
-                                                << QStringLiteral("Cielęta , Wiek <= 6") << QStringLiteral("I26 P27 P30");
-    QTest::newRow("C4 male calf of 5 months") << QStringLiteral("C") << none << QStringLiteral("XY") << QStringLiteral("ML") << QStringLiteral("ML") << 5 << QStringLiteral("X") << QStringLiteral("X")
-                                              << QStringLiteral("Cielęta , Wiek <= 6") << QStringLiteral("I26 P28 P31");
-    QTest::newRow("C4 calf of 6 months") << QStringLiteral("C") << none << QStringLiteral("XY") << QStringLiteral("ML") << QStringLiteral("ML") << 6 << QStringLiteral("X") << QStringLiteral("X")
-                                         << QStringLiteral("Cielęta , Wiek <= 6") << QStringLiteral("I26 P29 P31");
-    QTest::newRow("C4 with changed limits") << QStringLiteral("C") << QStringLiteral("CieletaGrp_Do_150KG_Wiek_Do=4;CieletaGrp_Ponad_220KG_Wiek_Od=2")
-                                            << QStringLiteral("XX") << QStringLiteral("ML") << QStringLiteral("ML") << 4 << QStringLiteral("X") << QStringLiteral("X") << QStringLiteral("Cielęta , Wiek <= 6")
-                                            << QStringLiteral("I26 P27 P28 P29 P30");
-    QTest::newRow("C5 heifer") << QStringLiteral("C") << none << QStringLiteral("XX") << QStringLiteral("ML") << QStringLiteral("ML") << 19 << QStringLiteral("X") << QStringLiteral("X")
-                               << QStringLiteral("Jałówki od 6 do 19, 6 > Wiek <= 19") << QStringLiteral("I32");
-    QTest::newRow("C6 heifer") << QStringLiteral("C") << none << QStringLiteral("XX") << QStringLiteral("ML") << QStringLiteral("ML") << 24 << QStringLiteral("X") << QStringLiteral("X")
-                               << QStringLiteral("Jałówki od 19 do 24, 19 > Wiek <= 24") << QStringLiteral("I33");
-    QTest::newRow("C7 meat cow in the dairy block") << QStringLiteral("C") << none << QStringLiteral("XX") << QStringLiteral("MI") << QStringLiteral("MI") << 30 << QStringLiteral("X") << QStringLiteral("X")
-                                                    << QStringLiteral("Krowy, 24 > Wiek") << QStringLiteral("I34");
-    QTest::newRow("C7 cow of an unknown use type") << QStringLiteral("C") << none << QStringLiteral("XX") << QStringLiteral("") << QStringLiteral("") << 30 << QStringLiteral("MD") << QStringLiteral("MD")
-                                                   << QStringLiteral("Krowy, 24 > Wiek") << QStringLiteral("I34 P34");
-    QTest::newRow("C8 young bull") << QStringLiteral("C") << none << QStringLiteral("XY") << QStringLiteral("ML") << QStringLiteral("ML") << 7 << QStringLiteral("X") << QStringLiteral("X")
-                                   << QStringLiteral("Byki, 6 > Wiek <= 24") << QStringLiteral("I35");
-    QTest::newRow("C9 bull") << QStringLiteral("C") << none << QStringLiteral("XY") << QStringLiteral("ML") << QStringLiteral("ML") << 25 << QStringLiteral("X") << QStringLiteral("X") << QStringLiteral("Buhaje, 24 > Wiek") << QStringLiteral("I36");
-    QTest::newRow("nothing ticked") << QStringLiteral("") << none << QStringLiteral("XX") << QStringLiteral("ML") << QStringLiteral("ML") << 30 << QStringLiteral("null") << QStringLiteral("null") << QStringLiteral("null") << QStringLiteral("");
+    struct Row {
+        const char* name;
+        const char* kinds;  // the ticked blocks A, B, C
+        const char* limits; // "Key=value;…" over the defaults
+        const char* sex;
+        const char* type;
+        const char* direction;
+        int age;
+        const char* summaryMark; // "null": not marked
+        const char* herdMark;
+        const char* where;
+        const char* counts;
+    };
+    const char* const mamek = "Halvarn krów mamek, -";
+    const char* const opasow = "Halvarn opasów, -";
+    const Row rows[] = {
+        // Block A: meat cows, or combined cows of meat direction.
+        {"A1 suckler cow", "A", "",
+         "XX", "MI", "MI", 30, "D", "D", mamek, "I1 P2"},
+        {"A1 combined, meat direction", "ABC", "",
+         "XX", "KO", "MI", 25, "D", "D", mamek, "I1 P2"},
+        {"A2 calf of 8 months", "A", "",
+         "XY", "MI", "OP", 8, "D", "D", mamek, "I1 P3"},
+        {"A3 with a raised limit", "A", "HalvKrowMamekGrp_Cieleta_Do_150KG_Wiek_Do=10",
+         "XY", "MI", "MI", 9, "D", "D", mamek, "I1 P4"},
+        {"A4 with raised limits", "A",
+         "HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Od=8;HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do=10",
+         "XY", "MI", "MI", 9, "D", "D", mamek, "I1 P5"},
+        {"A5 is taken by A2 whatever its limit", "A", "HalvKrowMamekGrp_Cieleta_Ponad_220KG_Wiek_Od=2",
+         "XY", "MI", "MI", 5, "D", "D", mamek, "I1 P3"},
+        {"A6 heifer: no code in the summary", "ABC", "",
+         "XX", "MI", "MI", 12, "", "DX", mamek, "I1 P7"},
+        {"A7 heifer", "A", "",
+         "XX", "MI", "MI", 24, "D", "D", mamek, "I1 P8"},
+        {"A: a young bull fits no step, C unticked", "A", "",
+         "XY", "MI", "MI", 12, "null", "null", "null", ""},
+        {"A: dairy cows are not sucklers", "A", "",
+         "XX", "ML", "ML", 30, "null", "null", "null", ""},
+        // Block B: fattening directions up to 18 months, with independent sub-counts.
+        {"B 12-month bull: sub 15", "BC", "",
+         "XY", "MI", "OP", 12, "D", "D", opasow, "I10 P15"},
+        {"B up to 150 kg", "B", "",
+         "XY", "ML", "MLOP", 2, "D", "D", opasow, "I10 P11"},
+        {"B 150-220 kg", "B", "",
+         "XY", "KO", "MIOP", 4, "D", "D", opasow, "I10 P12"},
+        {"B 220-300 kg", "B", "",
+         "XX", "KO", "OP", 6, "D", "D", opasow, "I10 P13"},
+        {"B 300-450 kg", "B", "",
+         "XY", "MI", "OP", 9, "D", "D", opasow, "I10 P14"},
+        {"B overlapping limits count twice", "B", "HalvOpasowGrp_Do_150KG_Wiek_Do=5",
+         "XY", "MI", "OP", 4, "D", "D", opasow, "I10 P11 P12"},
+        {"B 220-300 kg, raised lower limit", "B", "HalvOpasowGrp_Od_220KG_Do_300KG_Wiek_Od=7",
+         "XY", "MI", "OP", 7, "D", "D", opasow, "I10"},
+        {"B 300-450 kg, raised upper limit overlaps over 450 kg", "B", "HalvOpasowGrp_Od_300KG_Do_450KG_Wiek_Do=12",
+         "XY", "MI", "OP", 11, "D", "D", opasow, "I10 P14 P15"},
+        {"B over 450 kg, raised lower limit", "B", "HalvOpasowGrp_Ponad_450KG_Wiek_Od=15",
+         "XY", "MI", "OP", 12, "D", "D", opasow, "I10"},
+        {"B stops at 18 months", "BC", "",
+         "XY", "MI", "OP", 19, "X", "X", "Byki, 6 > Wiek <= 24", "I35"},
+        {"B needs a fattening direction", "B", "",
+         "XY", "MI", "MI", 5, "null", "null", "null", ""},
+        // Block C.
+        {"C1 dairy cow", "C", "",
+         "XX", "ML", "ML", 30, "D", "D", "Halvarn krów mlecznych, 24 > Wiek", "I17"},
+        {"C1 combined, milk direction", "C", "",
+         "XX", "KO", "ML", 25, "D", "D", "Halvarn krów mlecznych, 24 > Wiek", "I17"},
+        {"C2 up to 150 kg", "C", "",
+         "XY", "ML", "OP", 2, "X", "X", "Bydło opasowe do 300 kg, 6 > Wiek <= 8", "I19 P20"},
+        {"C2 150-220 kg", "C", "",
+         "XY", "ML", "OP", 4, "X", "X", "Bydło opasowe do 300 kg, 6 > Wiek <= 8", "I19 P21"},
+        {"C2 220-300 kg", "C", "",
+         "XY", "KO", "MLOP", 8, "X", "X", "Bydło opasowe do 300 kg, 6 > Wiek <= 8", "I19 P22"},
+        {"C3 300-450 kg", "C", "",
+         "XY", "MI", "MIOP", 10, "X", "X", "Bydło opasowe ponad 300 kg, 8 > Wiek <= 18", "I23 P24"},
+        {"C3 over 450 kg", "C", "",
+         "XX", "MI", "OP", 18, "X", "X", "Bydło opasowe ponad 300 kg, 8 > Wiek <= 18", "I23 P25"},
+        {"C2 overlapping limits count twice", "C",
+         "BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Od=1;BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Do=6",
+         "XY", "ML", "OP", 2, "X", "X", "Bydło opasowe do 300 kg, 6 > Wiek <= 8", "I19 P20 P21"},
+        {"C2 raised lower limit of 220-300 kg", "C", "BydloOpasoweGrp_Od_220KG_Do_300KG_Wiek_Od=7",
+         "XY", "ML", "OP", 6, "X", "X", "Bydło opasowe do 300 kg, 6 > Wiek <= 8", "I19"},
+        {"C3 changed limits count twice", "C",
+         "BydloOpasoweGrp_Od_300KG_Do_450KG_Wiek_Do=15;BydloOpasoweGrp_Ponad_450KG_Wiek_Od=12",
+         "XY", "KO", "MLOP", 14, "X", "X", "Bydło opasowe ponad 300 kg, 8 > Wiek <= 18", "I23 P24 P25"},
+        {"C4 female calf of 3 months", "C", "",
+         "XX", "ML", "ML", 3, "X", "X", "Cielęta , Wiek <= 6", "I26 P27 P30"},
+        {"C4 male calf of 5 months", "C", "",
+         "XY", "ML", "ML", 5, "X", "X", "Cielęta , Wiek <= 6", "I26 P28 P31"},
+        {"C4 calf of 6 months", "C", "",
+         "XY", "ML", "ML", 6, "X", "X", "Cielęta , Wiek <= 6", "I26 P29 P31"},
+        {"C4 with changed limits", "C", "CieletaGrp_Do_150KG_Wiek_Do=4;CieletaGrp_Ponad_220KG_Wiek_Od=2",
+         "XX", "ML", "ML", 4, "X", "X", "Cielęta , Wiek <= 6", "I26 P27 P28 P29 P30"},
+        {"C5 heifer", "C", "",
+         "XX", "ML", "ML", 19, "X", "X", "Jałówki od 6 do 19, 6 > Wiek <= 19", "I32"},
+        {"C6 heifer", "C", "",
+         "XX", "ML", "ML", 24, "X", "X", "Jałówki od 19 do 24, 19 > Wiek <= 24", "I33"},
+        {"C7 meat cow in the dairy block", "C", "",
+         "XX", "MI", "MI", 30, "X", "X", "Krowy, 24 > Wiek", "I34"},
+        {"C7 cow of an unknown use type", "C", "",
+         "XX", "", "", 30, "MD", "MD", "Krowy, 24 > Wiek", "I34 P34"},
+        {"C7 combined cow of another direction", "C", "",
+         "XX", "KO", "XX", 30, "MD", "MD", "Krowy, 24 > Wiek", "I34 P34"},
+        {"C8 young bull", "C", "",
+         "XY", "ML", "ML", 7, "X", "X", "Byki, 6 > Wiek <= 24", "I35"},
+        {"C9 bull", "C", "",
+         "XY", "ML", "ML", 25, "X", "X", "Buhaje, 24 > Wiek", "I36"},
+        {"nothing ticked", "", "",
+         "XX", "ML", "ML", 30, "null", "null", "null", ""},
+    };
+    for (const Row& r : rows)
+        QTest::newRow(r.name) << QString::fromUtf8(r.kinds) << QString::fromUtf8(r.limits) << QString::fromUtf8(r.sex)
+                              << QString::fromUtf8(r.type) << QString::fromUtf8(r.direction) << r.age
+                              << QString::fromUtf8(r.summaryMark) << QString::fromUtf8(r.herdMark)
+                              << QString::fromUtf8(r.where) << QString::fromUtf8(r.counts);
 }
 
 void TestWelfare::oneAnimal()

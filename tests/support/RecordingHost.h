@@ -19,6 +19,8 @@ public:
     std::vector<Message> messages;
     QStringList questions;
     QStringList stepTexts;
+    QStringList statusLog;   // "H:" herd panel, "S:" step panel, then the text, in order
+    QStringList progressLog; // "bar:position/maximum", in order
     std::map<int, std::pair<int, int>> progress; // bar -> (position, maximum)
     bool answerYes = true;
     int cancelAfterChecks = -1; // cancel at this check of cancelRequested(); -1 never
@@ -40,8 +42,13 @@ public:
     {
         if (panel == StatusPanel::Step)
             stepTexts.append(text);
+        statusLog.append((panel == StatusPanel::Step ? QStringLiteral("S:") : QStringLiteral("H:")) + text);
     }
-    void progressChanged(int bar, int position, int maximum) override { progress[bar] = {position, maximum}; }
+    void progressChanged(int bar, int position, int maximum) override
+    {
+        progress[bar] = {position, maximum};
+        progressLog.append(QStringLiteral("%1:%2/%3").arg(bar).arg(position).arg(maximum));
+    }
     void memoAppended(Memo, const QString&) override {}
     void memoCleared(Memo) override {}
     void showMessage(const QString& caption, const QString& text, MessageIcon icon) override

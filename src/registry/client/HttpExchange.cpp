@@ -22,6 +22,17 @@ HttpExchange::HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRe
         timedOut_ = true;
         reply_->abort();
     });
+    // Requests beyond the connections Qt opens to one host wait in its queue;
+    // the time-out counts from when a request really leaves, so the number
+    // kept in flight never turns a slow answer into a time-out.
+    const auto leaving = [this] {
+        if (!sent_) {
+            sent_ = true;
+            timer_->start(timeoutMs_);
+        }
+    };
+    QObject::connect(reply_.get(), &QNetworkReply::socketStartedConnecting, reply_.get(), leaving);
+    QObject::connect(reply_.get(), &QNetworkReply::requestSent, reply_.get(), leaving);
     timer_->start(timeoutMs);
 }
 

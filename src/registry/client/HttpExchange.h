@@ -49,6 +49,7 @@ private:
     std::unique_ptr<QNetworkReply> reply_;
     std::unique_ptr<QTimer> timer_;
     bool timedOut_ = false;
+    bool sent_ = false;
     bool collected_ = false;
     int timeoutMs_;
     HttpResult result_;

@@ -110,11 +110,12 @@ DownloadOutcome DownloadCommand::download()
     return outcome;
 }
 
+// An empty date (none, or day 0) and a date after today both become today.
 void DownloadCommand::normaliseDates()
 {
     const QDate today = QDate::currentDate();
     for (QDate* date : {&session_.inputs.stateDate, &session_.inputs.referenceDate})
-        if (!date->isValid() || *date > today)
+        if (!date->isValid() || *date == DateEpoch() || *date > today)
             *date = today;
     stateDate_ = ToDateTime(session_.inputs.stateDate);
     referenceDate_ = ToDateTime(session_.inputs.referenceDate);

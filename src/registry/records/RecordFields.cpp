@@ -41,7 +41,7 @@ void Read(const QJsonObject& o, const char* key, qint32& target)
     if (!IsPresent(value))
         return;
     const double number = value.toDouble();
-    if (!value.isDouble() || number != std::trunc(number) || std::fabs(number) > 2147483647.0)
+    if (!value.isDouble() || number != std::trunc(number) || number < -2147483648.0 || number > 2147483647.0)
         Fail(key, value);
     target = static_cast<qint32>(number);
 }

@@ -54,7 +54,10 @@ void RecordingServer::readFrom(QTcpSocket* socket)
 void RecordingServer::answer(QTcpSocket* socket, const Reply& reply)
 {
     --unanswered_;
-    const QByteArray reason = reply.status == 200 ? "OK" : reply.status == 401 ? "Unauthorized" : "Internal Server Error";
+    const QByteArray reason = !reply.reason.isEmpty() ? reply.reason
+                              : reply.status == 200   ? QByteArray("OK")
+                              : reply.status == 401   ? QByteArray("Unauthorized")
+                                                      : QByteArray("Internal Server Error");
     socket->write("HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reason + "\r\nContent-Type: application/json\r\n"
                   "Content-Length: " + QByteArray::number(reply.body.size()) + "\r\nConnection: close\r\n\r\n" +
                   reply.body);

@@ -19,9 +19,14 @@ public:
         QByteArray body;
     };
     struct Reply {
-        int status = 200;
+        Reply(int status = 200, QByteArray body = {}, int delayMs = 0, QByteArray reason = {})
+            : status(status), body(std::move(body)), delayMs(delayMs), reason(std::move(reason))
+        {
+        }
+        int status;
         QByteArray body;
-        int delayMs = 0;
+        int delayMs;
+        QByteArray reason; // the status line's text; a usual one when empty
     };
     using Responder = std::function<Reply(const Request&)>;
 

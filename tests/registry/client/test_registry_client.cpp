@@ -9,9 +9,9 @@
 namespace {
 using Reply = RecordingServer::Reply;
 
-RecordingServer::Responder Always(int status, QByteArray body)
+RecordingServer::Responder Always(int status, QByteArray body, QByteArray reason = {})
 {
-    return [status, body](const RecordingServer::Request&) { return Reply{status, body, 0}; };
+    return [status, body, reason](const RecordingServer::Request&) { return Reply{status, body, 0, reason}; };
 }
 
 RegistryConfig ConfigFor(const RecordingServer& server)
@@ -42,6 +42,7 @@ private Q_SLOTS:
     void failuresOfPostsAndTimeOutsRaise();
     void animalQueueHandsOutAnswersInListOrder_data();
     void animalQueueHandsOutAnswersInListOrder();
+    void waitingForAFreeConnectionDoesNotCountAsTimeOut();
 };
 
 void TestRegistryClient::logInSendsTheFormBodyAsTyped()
@@ -63,22 +64,32 @@ void TestRegistryClient::logInSendsTheFormBodyAsTyped()
 void TestRegistryClient::logInFailuresShowTheirMessage_data()
 {
     QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("reason");
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QString>("message");
-    QTest::newRow("refused") << 401 << QByteArray(R"({"error":"invalid_grant"})")
-                             << QStringLiteral("Brak autoryzacji (Być może niepoprawny login/hasło)");
-    QTest::newRow("server error") << 500 << QByteArray("{}")
-                                  << QStringLiteral("Autoryzacja zakończona z błędem: HTTP/1.1 500 Internal Server Error");
-    QTest::newRow("not json") << 200 << QByteArray("<html>")
-                              << QStringLiteral("Autoryzacja zakończona z błędem: odpowiedź serwera nie zawiera tokenu dostępu");
+    const QString refused = QStringLiteral("Brak autoryzacji (Być może niepoprawny login/hasło)");
+    QTest::newRow("refused") << 401 << QByteArray() << QByteArray(R"({"error":"invalid_grant"})") << refused;
+    // 401 is the refusal whatever the status line says.
+    QTest::newRow("refused, other wording") << 401 << QByteArray("Access Denied") << QByteArray("{}") << refused;
+    QTest::newRow("refused, no wording") << 401 << QByteArray(" ") << QByteArray() << refused;
+    QTest::newRow("forbidden, worded Unauthorized")
+        << 403 << QByteArray("Unauthorized") << QByteArray("{}")
+        << QStringLiteral("Autoryzacja zakończona z błędem: HTTP/1.1 403 Unauthorized");
+    const QString failed = QStringLiteral("Autoryzacja zakończona z błędem: ");
+    const QString noToken = failed + QStringLiteral("odpowiedź serwera nie zawiera tokenu dostępu");
+    QTest::newRow("server error") << 500 << QByteArray() << QByteArray("{}")
+                                  << failed + QStringLiteral("HTTP/1.1 500 Internal Server Error");
+    QTest::newRow("not json") << 200 << QByteArray() << QByteArray("<html>") << noToken;
+    QTest::newRow("token missing") << 200 << QByteArray() << QByteArray(R"({"token_type":"bearer"})") << noToken;
 }
 
 void TestRegistryClient::logInFailuresShowTheirMessage()
 {
     QFETCH(int, status);
+    QFETCH(QByteArray, reason);
     QFETCH(QByteArray, body);
     QFETCH(QString, message);
-    RecordingServer server(Always(status, body));
+    RecordingServer server(Always(status, body, reason));
     RecordingHost host;
     TdmIRZ_PLUS client(ConfigFor(server), host);
     QVERIFY(!client.Authorize(QStringLiteral("u"), QStringLiteral("p")));
@@ -267,6 +278,30 @@ void TestRegistryClient::animalQueueHandsOutAnswersInListOrder()
                                    QStringLiteral("PL6"), QStringLiteral("PL7")}));
     QCOMPARE(server.requests().size(), 7u);
     QCOMPARE(server.mostUnanswered(), std::min(parallel, 6)); // Qt opens at most six connections to a host
+}
+
+// More requests in flight than Qt opens connections to one host: the last ones
+// wait for a connection first. Each answer takes 700 ms against a time-out of
+// 1100 ms, so one after another nothing times out; kept eight at a time, the
+// waiting must not count either, or the setting would change the outcome.
+void TestRegistryClient::waitingForAFreeConnectionDoesNotCountAsTimeOut()
+{
+    RecordingServer server([](const RecordingServer::Request& request) {
+        return Reply{200, request.target.mid(request.target.lastIndexOf('=') + 1), 700};
+    });
+    RecordingHost host;
+    RegistryConfig config = ConfigFor(server);
+    config.maxParallelRequests = 8;
+    config.getTimeoutMs = 1100;
+    TdmIRZ_PLUS client(config, host);
+    QStringList tags;
+    for (int i = 1; i <= 8; ++i)
+        tags.append(QStringLiteral("PL%1").arg(i));
+    auto queue = client.animalQueue(QStringLiteral("1"), tags, false);
+    QStringList answers;
+    while (!queue.atEnd())
+        answers.append(queue.next());
+    QCOMPARE(answers, tags);
 }
 
 QTEST_GUILESS_MAIN(TestRegistryClient)

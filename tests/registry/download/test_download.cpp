@@ -1,6 +1,7 @@
 #include "registry/client/RecordingServer.h"
 #include "support/RecordingHost.h"
 
+#include "analysis/AgeInMonths.h"
 #include "app/session/HalvarnSession.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
@@ -152,15 +153,22 @@ class TestDownload : public QObject {
 
 private Q_SLOTS:
     void fullDownloadFillsTablesSlotsAndMemos();
+    void motherFlagOfOlderFemalesComesFromTheFullRecord_data();
     void motherFlagOfOlderFemalesComesFromTheFullRecord();
     void failuresEndTheirHerdOrTheCommand_data();
     void failuresEndTheirHerdOrTheCommand();
     void noProducerNumberDownloadsNothing();
     void loadedDataIsKeptWhenTheUserSaysNo();
+    void datesInTheFutureBecomeToday_data();
     void datesInTheFutureBecomeToday();
     void herdCodesOutsideTheTabsEndTheCommand_data();
     void herdCodesOutsideTheTabsEndTheCommand();
     void cancellingStopsBetweenAnimalsWithConsistentTables();
+    void statusTextsAndProgressFollowTheSteps();
+    void findAgeInList_data();
+    void findAgeInList();
+    void gatherCredentials_data();
+    void gatherCredentials();
 };
 
 void TestDownload::fullDownloadFillsTablesSlotsAndMemos()
@@ -199,19 +207,35 @@ void TestDownload::fullDownloadFillsTablesSlotsAndMemos()
     QCOMPARE(AsString(summary.at(0, summary.requireField(u"Rozpatrzono"))), QStringLiteral("D"));
 }
 
+void TestDownload::motherFlagOfOlderFemalesComesFromTheFullRecord_data()
+{
+    QTest::addColumn<QByteArray>("fullRecordOfPL003");
+    QTest::addColumn<int>("motherPL003");
+    QTest::newRow("the full record decides") << QByteArray() << 1;
+    QTest::newRow("an empty full record leaves the list's flag") << QByteArray("") << 0;
+}
+
 void TestDownload::motherFlagOfOlderFemalesComesFromTheFullRecord()
 {
+    QFETCH(QByteArray, fullRecordOfPL003);
+    QFETCH(int, motherPL003);
     FakeRegistry registry;
+    if (!fullRecordOfPL003.isNull())
+        registry.overrides[QStringLiteral("PL003")] = Reply{200, fullRecordOfPL003, 0};
     Download d;
     d.run(registry);
+    QVERIFY(d.host.messages.empty());
     Table& herd = d.session.tables().mdRZ(1);
     const int age = herd.requireField(u"Wiek");
     const int mother = herd.requireField(u"CzyMatka");
     QCOMPARE(AsInteger(herd.at(1, age)), 14);
     QCOMPARE(AsInteger(herd.at(1, mother)), 0); // the list said no, the full record yes: 14 months keeps the list
     QCOMPARE(AsInteger(herd.at(2, age)), 15);
-    QCOMPARE(AsInteger(herd.at(2, mother)), 1);
+    QCOMPARE(AsInteger(herd.at(2, mother)), motherPL003);
     QCOMPARE(AsInteger(herd.at(0, mother)), 0); // the cow: the list said yes, the full record no
+    QCOMPARE(AsInteger(herd.at(3, mother)), 0); // a male calf keeps the list's flag
+    Table& summary = d.session.tables().mdRZ00();
+    QCOMPARE(AsInteger(summary.at(2, summary.requireField(u"CzyMatka"))), motherPL003);
 }
 
 void TestDownload::failuresEndTheirHerdOrTheCommand_data()
@@ -315,22 +339,48 @@ void TestDownload::loadedDataIsKeptWhenTheUserSaysNo()
     QCOMPARE(d.numbers(0).size(), 6);
 }
 
+void TestDownload::datesInTheFutureBecomeToday_data()
+{
+    const QDate today = QDate::currentDate();
+    QTest::addColumn<QDate>("given");
+    QTest::addColumn<QDate>("used");
+    QTest::newRow("empty") << QDate() << today;
+    QTest::newRow("day 0") << QDate(1899, 12, 30) << today;
+    QTest::newRow("tomorrow") << today.addDays(1) << today;
+    QTest::newRow("next month") << today.addDays(30) << today;
+    QTest::newRow("today") << today << today;
+    QTest::newRow("yesterday") << today.addDays(-1) << today.addDays(-1);
+}
+
+// Each date by itself: the state date goes into the animal list request, the
+// reference date ages the animals, both are written back and into the header.
 void TestDownload::datesInTheFutureBecomeToday()
 {
+    QFETCH(QDate, given);
+    QFETCH(QDate, used);
     FakeRegistry registry;
-    Download d;
-    d.run(registry);
-    d.session.inputs.stateDate = QDate::currentDate().addDays(30);
-    d.session.inputs.referenceDate = QDate();
-    RecordingServer server([&registry](const RecordingServer::Request& r) { return registry.answer(r); });
-    RegistryConfig config;
-    config.ssoBase = config.apiBase = server.baseUrl();
-    TdmIRZ_PLUS client(config, d.host);
-    DownloadCommand(d.session, client).run();
-    QCOMPARE(d.session.inputs.stateDate, QDate::currentDate());
-    QCOMPARE(d.session.inputs.referenceDate, QDate::currentDate());
-    const QByteArray today = QDate::currentDate().toString(u"yyyy-MM-dd").toLatin1();
-    QVERIFY(server.requests().at(2).target.endsWith("&stanDanych=" + today));
+    for (const bool stateDate : {true, false}) {
+        Download d;
+        d.session.inputs.stateDate = stateDate ? given : Reference;
+        d.session.inputs.referenceDate = stateDate ? Reference : given;
+        RecordingServer server([&registry](const RecordingServer::Request& r) { return registry.answer(r); });
+        RegistryConfig config;
+        config.ssoBase = config.apiBase = server.baseUrl();
+        d.session.inputs.producerNumber = Producer;
+        TdmIRZ_PLUS client(config, d.host);
+        QCOMPARE(DownloadCommand(d.session, client).run(), DownloadOutcome::Completed);
+        const QDate state = stateDate ? used : Reference;
+        const QDate reference = stateDate ? Reference : used;
+        QCOMPARE(d.session.inputs.stateDate, state);
+        QCOMPARE(d.session.inputs.referenceDate, reference);
+        QVERIFY(server.requests().at(2).target.endsWith("&stanDanych=" + state.toString(u"yyyy-MM-dd").toLatin1()));
+        Table& producer = d.session.tables().mdProducent();
+        QCOMPARE(AsDate(producer.value(u"DATA1")), state);
+        QCOMPARE(AsDate(producer.value(u"DATA2")), QDate::currentDate());
+        QCOMPARE(AsDate(producer.value(u"DATA3")), reference);
+        const int age = AgeInMonths(ToDateTime(Reference.addDays(-1500)), ToDateTime(reference));
+        QCOMPARE(AsInteger(d.session.tables().mdRZ00().at(0, 3)), age); // PL001, born 1500 days before Reference
+    }
 }
 
 void TestDownload::herdCodesOutsideTheTabsEndTheCommand_data()
@@ -372,6 +422,104 @@ void TestDownload::cancellingStopsBetweenAnimalsWithConsistentTables()
     QCOMPARE(d.session.errors().last(),
              QStringLiteral("Pobieranie przerwane przez użytkownika: stado 001, zapisano 2 z 4 zwierząt"));
     QVERIFY(!d.session.busy());
+}
+
+// One active herd of two animals and an inactive one: every status text and
+// every move of both progress bars, in order, after the clearing.
+void TestDownload::statusTextsAndProgressFollowTheSteps()
+{
+    FakeRegistry registry;
+    registry.holdings = {};
+    registry.animals.clear();
+    registry.addHerd(1, QStringLiteral("SDZA"));
+    registry.addHerd(3, QStringLiteral("SDZZ"));
+    registry.addAnimal(1, QStringLiteral("PL001"), "XX", 1500, true, false);
+    registry.addAnimal(1, QStringLiteral("PL004"), "XY", 60, false, false);
+    Download d;
+    d.run(registry);
+    QCOMPARE(d.outcome, DownloadOutcome::Completed);
+
+    QStringList clearing{QStringLiteral("H:"), QStringLiteral("S:"), QStringLiteral("S:Czyszczenie danych")};
+    for (int slot = 0; slot < HerdSlotCount; ++slot)
+        clearing << (slot == 0 ? QStringLiteral("H:Stado: 000") : QStringLiteral("H:Stado: "))
+                 << QStringLiteral("S:Czyszczenie danych RZ") << QStringLiteral("S:Czyszczenie danych GT");
+    clearing << QStringLiteral("S:Tworzenie grup technologicznych");
+    const QStringList download{
+        QStringLiteral("H:"), QStringLiteral("S:"), // the busy status bar of the long operation
+        QStringLiteral("S:Autoryzacja"), QStringLiteral("S:Pobieranie listy stad"),
+        QStringLiteral("H:Stado: 001"), QStringLiteral("S:Pobieranie danych"), QStringLiteral("S:Rozczytywanie danych"),
+        QStringLiteral("S:Pobier. dod. inform.: PL001"), QStringLiteral("S:Rozczytywanie danych: PL001"),
+        QStringLiteral("S:Pobier. dod. inform.: PL004"), QStringLiteral("S:Rozczytywanie danych: PL004")};
+    QCOMPARE(d.host.statusLog, clearing + download);
+
+    const qsizetype cleared = d.host.progressLog.indexOf(QStringLiteral("1:64/65"));
+    QCOMPARE(cleared, 3 + 63); // busy (2 bars), maximum 65, then 64 steps
+    QCOMPARE(d.host.progressLog.mid(cleared + 1),
+             (QStringList{QStringLiteral("1:0/2"), QStringLiteral("2:0/100"), // busy again
+                          QStringLiteral("1:1/2"), QStringLiteral("1:2/2"),   // log-in, holdings
+                          QStringLiteral("1:2/3"),                            // one active herd + 2
+                          QStringLiteral("1:3/3"),                            // the herd
+                          QStringLiteral("2:0/2"), QStringLiteral("2:1/2"), QStringLiteral("2:2/2"),
+                          QStringLiteral("2:0/2")}));
+    QCOMPARE(d.session.errors(), QStringList{QStringLiteral("Nie aktywne stado: 071234562-003")});
+    QVERIFY(d.host.messages.empty());
+}
+
+void TestDownload::findAgeInList_data()
+{
+    QTest::addColumn<QString>("number");
+    QTest::addColumn<int>("age");
+    QTest::newRow("first of two with the number") << QStringLiteral("PL002") << 3;
+    QTest::newRow("born on the reference day") << QStringLiteral("PL003") << 0;
+    QTest::newRow("without a birth date") << QStringLiteral("PL004") << 24486;
+    QTest::newRow("case counts") << QStringLiteral("pl002") << 0;
+    QTest::newRow("no such animal") << QStringLiteral("PL999") << 0;
+}
+
+void TestDownload::findAgeInList()
+{
+    QFETCH(QString, number);
+    QFETCH(int, age);
+    const QDate reference(2024, 1, 1);
+    OwningList<TZZIInfoClass> animals;
+    const auto add = [&animals](const char* tag, TDateTime birth) {
+        animals.push_back(std::make_unique<TZZIInfoClass>());
+        animals.back()->numerIdentyfikacyjnyZwierzecia = QLatin1String(tag);
+        animals.back()->dataUrodzenia = birth;
+    };
+    add("PL001", ToDateTime(QDate(2020, 1, 1)));
+    add("PL002", ToDateTime(QDate(2023, 11, 1))); // 61 days: 3
+    add("PL002", ToDateTime(QDate(2020, 5, 1)));
+    add("PL003", ToDateTime(reference));
+    add("PL004", EmptyDate); // 745292 days: 24485, plus 1
+    QCOMPARE(FindAgeInList(animals, number, ToDateTime(reference)), age);
+}
+
+void TestDownload::gatherCredentials_data()
+{
+    QTest::addColumn<bool>("torvLogin");
+    QTest::addColumn<QString>("login");
+    QTest::addColumn<QString>("gathered"); // login, password, producer
+    const QString fields = QStringLiteral("jan|haslo|123456789");
+    const QString test = QStringLiteral("uzytkownik.testowy.1|Zielonka7Kb2!|071234562");
+    QTest::newRow("fields") << false << QStringLiteral("jan") << fields;
+    QTest::newRow("fields, even without a login") << false << QString() << QStringLiteral("|haslo|123456789");
+    QTest::newRow("test credentials for an empty login") << true << QString() << test;
+    QTest::newRow("a typed login wins over the test credentials") << true << QStringLiteral("jan") << fields;
+}
+
+void TestDownload::gatherCredentials()
+{
+    QFETCH(bool, torvLogin);
+    QFETCH(QString, login);
+    QFETCH(QString, gathered);
+    Download d;
+    d.session.common.torvLogin = torvLogin;
+    d.session.inputs.login = login;
+    d.session.inputs.password = QStringLiteral("haslo");
+    d.session.inputs.producerNumber = QStringLiteral("123456789");
+    d.session.GatherCredentials();
+    QCOMPARE(QStringList({d.session.Login, d.session.Password, d.session.ProducerNumber}).join(u'|'), gathered);
 }
 
 QTEST_GUILESS_MAIN(TestDownload)

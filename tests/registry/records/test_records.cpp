@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <QTest>
 
+#include <limits>
+
 namespace {
 QJsonObject Json(const char* text)
 {
@@ -35,6 +37,8 @@ private Q_SLOTS:
     void codePairsAreCutAndToleratePartialObjects();
     void wrongTypesRaiseANamedConversionError_data();
     void wrongTypesRaiseANamedConversionError();
+    void integersUseTheWhole32Bits_data();
+    void integersUseTheWhole32Bits();
     void holdingReadsNestedListsInOrder();
     void holdingNumbersIgnoreThePresenceRule();
     void duplicateCountIsKeptAsAFlag_data();
@@ -122,6 +126,10 @@ void TestRecords::wrongTypesRaiseANamedConversionError_data()
                                      << QStringLiteral(R"(Błąd konwersji: pole "lp", wartość "abc")");
     QTest::newRow("fractional integer") << QByteArray(R"({"lp":1.5})")
                                         << QStringLiteral(R"(Błąd konwersji: pole "lp", wartość "1.5")");
+    QTest::newRow("integer past 32 bits") << QByteArray(R"({"lp":2147483648})")
+                                          << QStringLiteral(R"(Błąd konwersji: pole "lp", wartość "2147483648")");
+    QTest::newRow("integer below 32 bits") << QByteArray(R"({"lp":-2147483649})")
+                                           << QStringLiteral(R"(Błąd konwersji: pole "lp", wartość "-2147483649")");
     QTest::newRow("flag as text") << QByteArray(R"({"czyMatka":"tak"})")
                                   << QStringLiteral(R"(Błąd konwersji: pole "czyMatka", wartość "tak")");
     QTest::newRow("number as text") << QByteArray(R"({"masaTuszy":"ciężka"})")
@@ -136,6 +144,22 @@ void TestRecords::wrongTypesRaiseANamedConversionError_data()
                                     << QStringLiteral(R"(Błąd konwersji: pole "numerDuplikatu", wartość "x")");
     QTest::newRow("element not an object") << QByteArray(R"({"srodkiIdentyfikacji":[3]})")
                                            << QStringLiteral(R"(Błąd konwersji: pole "srodkiIdentyfikacji", wartość "[3]")");
+}
+
+void TestRecords::integersUseTheWhole32Bits_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<int>("lp");
+    QTest::newRow("lowest") << QByteArray(R"({"lp":-2147483648})") << std::numeric_limits<int>::min();
+    QTest::newRow("highest") << QByteArray(R"({"lp":2147483647})") << std::numeric_limits<int>::max();
+    QTest::newRow("written with a fraction of zero") << QByteArray(R"({"lp":7.0})") << 7;
+}
+
+void TestRecords::integersUseTheWhole32Bits()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(int, lp);
+    QCOMPARE(Animal(json.constData())->lp, lp);
 }
 
 void TestRecords::wrongTypesRaiseANamedConversionError()
