@@ -119,11 +119,11 @@ void CliOptions::applyTo(RegistryConfig& config) const
         config.getTimeoutMs = config.postTimeoutMs = *timeoutSeconds * 1000;
 }
 
-std::unique_ptr<RegistrySimulator> StartDemoRegistry(SessionInputs& inputs)
+std::unique_ptr<RegistrySimulator> StartDemoRegistryFor(SessionInputs& inputs)
 {
-    DemoOptions demo;
-    auto simulator = std::make_unique<RegistrySimulator>(GenerateDemoDataset(demo));
-    if (!simulator->start())
+    const DemoOptions demo;
+    auto simulator = StartDemoRegistry(demo);
+    if (!simulator)
         return nullptr;
     if (inputs.login.isEmpty()) {
         inputs.login = demo.login;

@@ -29,4 +29,4 @@ struct CliOptions {
 
 // Starts the embedded registry with its demo producer and fills the log-in
 // fields that the command line left empty; null when it cannot listen.
-std::unique_ptr<RegistrySimulator> StartDemoRegistry(SessionInputs& inputs);
+std::unique_ptr<RegistrySimulator> StartDemoRegistryFor(SessionInputs& inputs);

@@ -23,8 +23,11 @@ enum ExitCode { Completed = 0, StoppedEarly = 1, BadArguments = 2 };
 // text, named as the window names them.
 bool WriteExports(HalvarnSession& session, CliHost& host, const QString& folder)
 {
-    if (!QDir().mkpath(folder))
+    if (!QDir().mkpath(folder)) {
+        host.showMessage(QString::fromUtf8("Błąd..."),
+                         QString::fromUtf8("Nie można utworzyć folderu eksportu: ") + folder, MessageIcon::Error);
         return false;
+    }
     host.setSummaryRowCount(session.tables().mdRZ00().recordCount());
     ExportCommands exports(session, folder, folder);
     QString path;
@@ -52,7 +55,7 @@ int RunDownload(const CliOptions& options)
     std::unique_ptr<RegistrySimulator> simulator;
     SessionInputs inputs = options.inputs;
     if (options.demo) {
-        simulator = StartDemoRegistry(inputs);
+        simulator = StartDemoRegistryFor(inputs);
         if (!simulator) {
             err << QString::fromUtf8("Nie można uruchomić symulatora rejestru") << Qt::endl;
             return StoppedEarly;
@@ -67,8 +70,8 @@ int RunDownload(const CliOptions& options)
     const DownloadOutcome outcome = DownloadCommand(session, registry).run();
 
     QTextStream(stdout) << GroupReport(session);
-    if (!options.exportDir.isEmpty() && !WriteExports(session, host, options.exportDir))
-        return StoppedEarly;
+    // A failed export still leaves the dump, with the export's message in it.
+    const bool exported = options.exportDir.isEmpty() || WriteExports(session, host, options.exportDir);
     if (!options.dumpJson.isEmpty()) {
         try {
             WriteFileAtomically(options.dumpJson, DumpSessionJson(session, host.messages()));
@@ -77,7 +80,7 @@ int RunDownload(const CliOptions& options)
             return StoppedEarly;
         }
     }
-    return outcome == DownloadOutcome::Completed ? Completed : StoppedEarly;
+    return outcome == DownloadOutcome::Completed && exported ? Completed : StoppedEarly;
 }
 } // namespace
 

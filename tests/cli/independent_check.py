@@ -33,8 +33,11 @@ DEFAULT_LIMITS = {
     "HalvOpasowGrp_Od_300KG_Do_450KG_Wiek_Do": 10, "HalvOpasowGrp_Ponad_450KG_Wiek_Od": 10,
 }
 CHANGED_LIMITS = {key: value + (2 if key.endswith("_Do") else 1) for key, value in DEFAULT_LIMITS.items()}
+# Limits in no particular order: bands overlap or leave gaps, so every sub-count stands on its own.
+_LIMITS_RNG = random.Random(7)
+SHUFFLED_LIMITS = {key: _LIMITS_RNG.randint(0, 20) for key in DEFAULT_LIMITS}
 
-SEXES = [("XX", "Samica"), ("XY", "Samiec")]
+SEXES = [("XX", "Samica"), ("XY", "Samiec"), ("XX", "Samica"), ("XY", "Samiec"), ("", "")]
 USE_TYPES = [("MI", "Mięsny"), ("ML", "Mleczny"), ("KO", "Kombinowany"), ("", "")]
 DIRECTIONS = [("MI", "Mięsny"), ("ML", "Mleczny"), ("OP", "Do opasu"), ("MIOP", "Mięsny do opasu"),
               ("MLOP", "Mleczny do opasu"), ("XX", "Inny")]
@@ -301,7 +304,7 @@ def main():
     try:
         for size in range(0, 4):
             for kinds in itertools.combinations(["mamki", "opasy", "mleczne"], size):
-                for limits in (DEFAULT_LIMITS, CHANGED_LIMITS):
+                for limits in (DEFAULT_LIMITS, CHANGED_LIMITS, SHUFFLED_LIMITS):
                     check(cli, base, Registry.herds, limits, kinds)
                     runs += 1
     finally:

@@ -62,3 +62,11 @@ void RegistrySimulator::setOptions(const SimOptions& options)
 {
     server_->registry.setOptions(options);
 }
+
+std::unique_ptr<RegistrySimulator> StartDemoRegistry(const DemoOptions& demo)
+{
+    auto simulator = std::make_unique<RegistrySimulator>(GenerateDemoDataset(demo));
+    if (!simulator->start())
+        return nullptr;
+    return simulator;
+}

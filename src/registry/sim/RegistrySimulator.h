@@ -56,3 +56,6 @@ private:
     class Server;
     std::unique_ptr<Server> server_;
 };
+
+// The simulator with the demo producer of DemoOptions, listening; null when it cannot listen.
+std::unique_ptr<RegistrySimulator> StartDemoRegistry(const DemoOptions& demo = {});

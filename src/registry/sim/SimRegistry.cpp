@@ -33,7 +33,27 @@ QByteArray Errors(const char* code, const QString& text)
 const QByteArray NotJson = QByteArray("<html><body>B\xc5\x82\xc4\x85""d serwera</body></html>");
 } // namespace
 
-SimRegistry::SimRegistry(SimDataset data, SimOptions options) : data_(std::move(data)), options_(std::move(options)) {}
+SimRegistry::SimRegistry(SimDataset data, SimOptions options) : data_(std::move(data)), options_(std::move(options))
+{
+    indexAnimals();
+}
+
+// Single-animal requests find their animal at once, however large the herds.
+void SimRegistry::indexAnimals()
+{
+    for (std::size_t p = 0; p < data_.producers.size(); ++p) {
+        const SimProducer& producer = data_.producers[p];
+        for (std::size_t h = 0; h < producer.holdings.size(); ++h) {
+            const auto& animals = producer.holdings[h].animals;
+            for (std::size_t a = 0; a < animals.size(); ++a) {
+                const QString key = producer.numerProducenta + u'/' +
+                                    animals[a].value(u"numerIdentyfikacyjnyZwierzecia").toString();
+                if (!animalIndex_.contains(key)) // the first of equal tags answers
+                    animalIndex_.insert(key, {p, h, a});
+            }
+        }
+    }
+}
 
 void SimRegistry::install(httplib::Server& server)
 {
@@ -65,7 +85,9 @@ void SimRegistry::serve(Handler handler, bool needsToken, const httplib::Request
     if (authorised)
         answer = (this->*handler)(request);
     response.status = answer.status;
-    response.set_content(answer.body.toStdString(), "application/json");
+    // With the charset named, the server sends answers as they are instead of
+    // compressing every one of them, which would cost more than the answer itself.
+    response.set_content(answer.body.toStdString(), "application/json; charset=utf-8");
     leave();
 }
 
@@ -225,20 +247,13 @@ SimRegistry::Answer SimRegistry::animalList(const httplib::Request& request)
 
 QJsonObject* SimRegistry::findAnimal(const QString& producerNumber, const QString& tag, QString* holdingNumber)
 {
-    for (SimProducer& p : data_.producers) {
-        if (p.numerProducenta != producerNumber)
-            continue;
-        for (SimHolding& holding : p.holdings) {
-            for (QJsonObject& animal : holding.animals) {
-                if (animal.value(u"numerIdentyfikacyjnyZwierzecia").toString() == tag) {
-                    if (holdingNumber)
-                        *holdingNumber = holding.holding.value(u"numerDzialalnosci").toString();
-                    return &animal;
-                }
-            }
-        }
-    }
-    return nullptr;
+    const auto place = animalIndex_.constFind(producerNumber + u'/' + tag);
+    if (place == animalIndex_.cend())
+        return nullptr;
+    SimHolding& holding = data_.producers[place->producer].holdings[place->holding];
+    if (holdingNumber)
+        *holdingNumber = holding.holding.value(u"numerDzialalnosci").toString();
+    return &holding.animals[place->animal];
 }
 
 SimRegistry::Answer SimRegistry::animal(const httplib::Request& request)

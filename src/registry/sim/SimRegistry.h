@@ -2,6 +2,7 @@
 
 #include "registry/sim/RegistrySimulator.h"
 
+#include <QHash>
 #include <QJsonArray>
 
 #include <condition_variable>
@@ -49,11 +50,17 @@ private:
     Answer spoiled(const QSet<QString>& httpError, const QSet<QString>& komunikat, const QSet<QString>& notJson,
                    const QString& key, const QString& komunikatText) const;
 
+    struct AnimalPlace {
+        std::size_t producer, holding, animal;
+    };
+    void indexAnimals();
+
     mutable std::mutex mutex_;
     std::condition_variable slotFree_;
     SimDataset data_;
     SimOptions options_;
     SimStats stats_;
+    QHash<QString, AnimalPlace> animalIndex_; // producer number + "/" + ear tag
     QSet<QString> tokens_;
     QJsonArray documents_;
     int active_ = 0;

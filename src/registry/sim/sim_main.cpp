@@ -1,5 +1,6 @@
 // halvarn-registry-sim: the registry simulator as a program of its own.
 #include "registry/sim/RegistrySimulator.h"
+#include "registry/sim/SimCommandLine.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -24,22 +25,6 @@ bool LoadDataset(const QString& path, SimDataset& data)
     return !data.producers.empty();
 }
 
-SimFaults FaultsFrom(const QCommandLineParser& parser)
-{
-    const auto set = [&parser](const char* name) {
-        const QStringList values = parser.values(QLatin1String(name));
-        return QSet<QString>(values.begin(), values.end());
-    };
-    SimFaults faults;
-    faults.httpErrorAnimals = set("fail-animal");
-    faults.komunikatHerds = set("komunikat-herd");
-    faults.notJsonHerds = set("not-json-herd");
-    faults.slowAnimals = set("slow-animal");
-    faults.slowMs = parser.value(QStringLiteral("slow-ms")).toInt();
-    faults.refuseLogin = parser.isSet(QStringLiteral("refuse-login"));
-    return faults;
-}
-
 void Quit(int)
 {
     QCoreApplication::quit();
@@ -62,13 +47,8 @@ int main(int argc, char* argv[])
         Value("save-data", "zapisz wygenerowane dane i zakończ", "FILE"),
         Value("latency-ms", "opóźnienie każdej odpowiedzi", "MS"),
         Value("max-concurrent", "najwięcej obsługiwanych naraz zapytań", "C"),
-        Value("fail-animal", "błąd HTTP dla zwierzęcia", "TAG"),
-        Value("komunikat-herd", "komunikat zamiast listy zwierząt stada", "H"),
-        Value("not-json-herd", "odpowiedź spoza JSON dla stada", "H"),
-        Value("slow-animal", "powolna odpowiedź dla zwierzęcia", "TAG"),
-        Value("slow-ms", "czas powolnej odpowiedzi", "MS"),
-        {QStringLiteral("refuse-login"), QString::fromUtf8("odmawiaj każdego logowania")},
     });
+    AddFaultOptions(parser);
     parser.process(app);
     QTextStream out(stdout);
 

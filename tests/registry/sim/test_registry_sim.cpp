@@ -1,4 +1,7 @@
 #include "registry/sim/RegistrySimulator.h"
+#include "registry/sim/SimCommandLine.h"
+
+#include <QCommandLineParser>
 
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -70,6 +73,37 @@ QString Single(const QString& tag)
                           "&numerIdentyfikacyjnyZwierzecia=") + tag;
 }
 
+// The faults that are set, as "name=values" words in a fixed order.
+QString Describe(const SimFaults& f)
+{
+    QStringList words;
+    const auto set = [&words](const char* name, const QSet<QString>& values) {
+        QStringList list(values.begin(), values.end());
+        list.sort();
+        if (!list.isEmpty())
+            words.append(QLatin1String(name) + u'=' + list.join(u','));
+    };
+    const auto flag = [&words](const char* name, bool value) {
+        if (value)
+            words.append(QLatin1String(name));
+    };
+    set("httpErrorAnimals", f.httpErrorAnimals);
+    set("httpErrorHerds", f.httpErrorHerds);
+    flag("httpErrorHoldings", f.httpErrorHoldings);
+    set("komunikatAnimals", f.komunikatAnimals);
+    set("komunikatHerds", f.komunikatHerds);
+    flag("komunikatHoldings", f.komunikatHoldings);
+    set("notJsonAnimals", f.notJsonAnimals);
+    set("notJsonHerds", f.notJsonHerds);
+    flag("notJsonHoldings", f.notJsonHoldings);
+    set("slowAnimals", f.slowAnimals);
+    set("slowHerds", f.slowHerds);
+    if (f.slowMs)
+        words.append(QStringLiteral("slowMs=%1").arg(f.slowMs));
+    flag("refuseLogin", f.refuseLogin);
+    return words.join(u' ');
+}
+
 SimDataset Demo()
 {
     DemoOptions options;
@@ -92,6 +126,8 @@ private Q_SLOTS:
     void concurrencyIsCapped();
     void datasetSurvivesARoundTrip();
     void useChangeCreatesADocument();
+    void faultOptionsOfTheProgram_data();
+    void faultOptionsOfTheProgram();
 };
 
 void TestRegistrySim::logInAcceptsOnlyTheFormAsSent_data()
@@ -278,6 +314,42 @@ void TestRegistrySim::useChangeCreatesADocument()
             .toArray();
     QCOMPARE(documents.size(), 1);
     QCOMPARE(client.get(Single(tag)).json().value(u"kierunekUzytkownia")[u"kod"].toString(), QStringLiteral("ML"));
+}
+
+void TestRegistrySim::faultOptionsOfTheProgram_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("faults");
+    const QString a = QStringLiteral("PL005000000007"), h = QStringLiteral("071234562-002");
+    QTest::newRow("none") << QStringList{} << QString();
+    QTest::newRow("HTTP errors") << QStringList{QStringLiteral("--fail-animal"), a, QStringLiteral("--fail-animal=PL1"),
+                                                QStringLiteral("--fail-herd"), h, QStringLiteral("--fail-holdings")}
+                                 << QStringLiteral("httpErrorAnimals=PL005000000007,PL1 httpErrorHerds=071234562-002 "
+                                                   "httpErrorHoldings");
+    QTest::newRow("komunikat answers") << QStringList{QStringLiteral("--komunikat-animal"), a,
+                                                      QStringLiteral("--komunikat-herd"), h,
+                                                      QStringLiteral("--komunikat-holdings")}
+                                       << QStringLiteral("komunikatAnimals=PL005000000007 komunikatHerds=071234562-002 "
+                                                         "komunikatHoldings");
+    QTest::newRow("answers that are not JSON")
+        << QStringList{QStringLiteral("--not-json-animal"), a, QStringLiteral("--not-json-herd"), h,
+                       QStringLiteral("--not-json-holdings")}
+        << QStringLiteral("notJsonAnimals=PL005000000007 notJsonHerds=071234562-002 notJsonHoldings");
+    QTest::newRow("slow answers and refused log-in")
+        << QStringList{QStringLiteral("--slow-animal"), a, QStringLiteral("--slow-herd"), h,
+                       QStringLiteral("--slow-ms"), QStringLiteral("2500"), QStringLiteral("--refuse-login")}
+        << QStringLiteral("slowAnimals=PL005000000007 slowHerds=071234562-002 slowMs=2500 refuseLogin");
+}
+
+void TestRegistrySim::faultOptionsOfTheProgram()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, faults);
+    QCommandLineParser parser;
+    AddFaultOptions(parser);
+    const QStringList commandLine = QStringList{QStringLiteral("halvarn-registry-sim")} + arguments;
+    QVERIFY2(parser.parse(commandLine), qPrintable(parser.errorText()));
+    QCOMPARE(Describe(FaultsFrom(parser)), faults);
 }
 
 QTEST_GUILESS_MAIN(TestRegistrySim)

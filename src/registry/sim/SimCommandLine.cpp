@@ -1,0 +1,59 @@
+#include "registry/sim/SimCommandLine.h"
+
+#include <QCommandLineParser>
+
+namespace {
+QCommandLineOption Value(const char* name, const char* description, const char* valueName)
+{
+    return {QString::fromLatin1(name), QString::fromUtf8(description), QString::fromLatin1(valueName)};
+}
+
+QCommandLineOption Flag(const char* name, const char* description)
+{
+    return {QString::fromLatin1(name), QString::fromUtf8(description)};
+}
+
+QSet<QString> Values(const QCommandLineParser& parser, const char* name)
+{
+    const QStringList values = parser.values(QLatin1String(name));
+    return {values.begin(), values.end()};
+}
+} // namespace
+
+void AddFaultOptions(QCommandLineParser& parser)
+{
+    parser.addOptions({
+        Value("fail-animal", "błąd HTTP 500 dla zwierzęcia", "TAG"),
+        Value("fail-herd", "błąd HTTP 500 dla listy zwierząt stada", "H"),
+        Flag("fail-holdings", "błąd HTTP 500 dla listy stad"),
+        Value("komunikat-animal", "komunikat zamiast danych zwierzęcia", "TAG"),
+        Value("komunikat-herd", "komunikat zamiast listy zwierząt stada", "H"),
+        Flag("komunikat-holdings", "komunikat zamiast listy stad"),
+        Value("not-json-animal", "odpowiedź spoza JSON dla zwierzęcia", "TAG"),
+        Value("not-json-herd", "odpowiedź spoza JSON dla stada", "H"),
+        Flag("not-json-holdings", "odpowiedź spoza JSON dla listy stad"),
+        Value("slow-animal", "powolna odpowiedź dla zwierzęcia", "TAG"),
+        Value("slow-herd", "powolna odpowiedź dla listy zwierząt stada", "H"),
+        Value("slow-ms", "czas powolnej odpowiedzi", "MS"),
+        Flag("refuse-login", "odmawiaj każdego logowania"),
+    });
+}
+
+SimFaults FaultsFrom(const QCommandLineParser& parser)
+{
+    SimFaults faults;
+    faults.httpErrorAnimals = Values(parser, "fail-animal");
+    faults.httpErrorHerds = Values(parser, "fail-herd");
+    faults.httpErrorHoldings = parser.isSet(QStringLiteral("fail-holdings"));
+    faults.komunikatAnimals = Values(parser, "komunikat-animal");
+    faults.komunikatHerds = Values(parser, "komunikat-herd");
+    faults.komunikatHoldings = parser.isSet(QStringLiteral("komunikat-holdings"));
+    faults.notJsonAnimals = Values(parser, "not-json-animal");
+    faults.notJsonHerds = Values(parser, "not-json-herd");
+    faults.notJsonHoldings = parser.isSet(QStringLiteral("not-json-holdings"));
+    faults.slowAnimals = Values(parser, "slow-animal");
+    faults.slowHerds = Values(parser, "slow-herd");
+    faults.slowMs = parser.value(QStringLiteral("slow-ms")).toInt();
+    faults.refuseLogin = parser.isSet(QStringLiteral("refuse-login"));
+    return faults;
+}
