@@ -1,0 +1,55 @@
+#include "app/grids/TableGrid.h"
+
+#include "app/grids/FooterTotals.h"
+#include "app/grids/GridFooter.h"
+#include "app/grids/GridViewSetup.h"
+#include "app/grids/TableModel.h"
+
+#include <QHeaderView>
+#include <QTableView>
+#include <QVBoxLayout>
+
+TableGrid::TableGrid(Table& table, GridKind kind, QWidget* parent)
+    : QWidget(parent), model_(new TableModel(table, ColumnsFor(kind), this)), view_(new QTableView(this)),
+      footer_(new GridFooter(*view_, *view_->horizontalHeader(), this)), footerCells_(FooterCellsFor(kind))
+{
+    view_->setObjectName(QStringLiteral("view"));
+    view_->setModel(model_);
+    SetUpGridView(*view_);
+    view_->verticalHeader()->hide();
+    view_->verticalHeader()->setDefaultSectionSize(view_->fontMetrics().height() + 6);
+    SetUpColumnWidths(*view_->horizontalHeader(), columns());
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(view_);
+    layout->addWidget(footer_);
+
+    connect(model_, &QAbstractItemModel::modelReset, this, &TableGrid::updateFooter);
+    connect(model_, &QAbstractItemModel::rowsInserted, this, &TableGrid::updateFooter);
+    connect(model_, &QAbstractItemModel::rowsRemoved, this, &TableGrid::updateFooter);
+    connect(model_, &QAbstractItemModel::dataChanged, this, &TableGrid::updateFooter);
+    updateFooter();
+}
+
+const std::vector<GridColumn>& TableGrid::columns() const
+{
+    return model_->columns();
+}
+
+QString TableGrid::footerText(const QString& field) const
+{
+    const int column = ColumnOfField(columns(), field);
+    return column < 0 ? QString() : footer_->text(column);
+}
+
+void TableGrid::updateFooter()
+{
+    const QStringList texts = FooterTexts(model_->table(), footerCells_);
+    for (std::size_t i = 0; i < footerCells_.size(); ++i) {
+        const int column = ColumnOfField(columns(), footerCells_[i].field);
+        footer_->setText(column, texts[static_cast<qsizetype>(i)],
+                         columns()[static_cast<std::size_t>(column)].alignment);
+    }
+}

@@ -1,0 +1,965 @@
+#include "app/grids/ColumnFilterPopup.h"
+#include "app/grids/GridFooter.h"
+#include "app/grids/SummaryGrid.h"
+#include "app/grids/SummaryLayout.h"
+#include "app/grids/SummaryModel.h"
+#include "app/grids/TableGrid.h"
+#include "app/grids/TableModel.h"
+#include "app/tables/WorkingTables.h"
+
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QHeaderView>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTest>
+#include <QTreeView>
+
+namespace {
+struct Animal {
+    const char* stado;
+    const char* numer;
+    const char* plec;
+    QDate born;
+    int wiek;
+    const char* typ;
+    int mother;
+};
+
+// Six animals whose orders differ by every measure the tests look at: ages
+// sort differently as numbers and as texts, birth dates as dates and as texts,
+// use types by Polish collation and by character codes.
+const Animal Herd[] = {
+    {"002", "PL0005", "XX", QDate(2020, 3, 10), 80, "mleczny", 1},
+    {"001", "PL0001", "XY", QDate(2023, 5, 1), 9, "Łączony", 0},
+    {"001", "PL0003", "XX", QDate(2015, 1, 20), 100, "mleczny", 1},
+    {"003", "PL0002", "XX", QDate(2024, 2, 2), 12, "lokalny", 0},
+    {"002", "PL0004", "XY", QDate(2022, 11, 30), 10, "mięsny", 0},
+    {"001", "PL0006", "XX", QDate(2019, 7, 7), 2, "", 1},
+};
+
+QString Text(const char* text)
+{
+    return QString::fromUtf8(text);
+}
+
+void Append(Table& table, const Animal& animal)
+{
+    table.append();
+    table.setValue(u"STADO", Text(animal.stado));
+    table.setValue(u"NumerIdentyfikacyjny", Text(animal.numer));
+    table.setValue(u"Plec", Text(animal.plec));
+    table.setValue(u"DataUrodzenia", animal.born);
+    table.setValue(u"Wiek", animal.wiek);
+    table.setValue(u"TypUzytkowy", Text(animal.typ));
+    table.setValue(u"KierunekUzytkowania", QStringLiteral("użytkowy"));
+    table.setValue(u"Rozpatrzono", QStringLiteral("D"));
+    table.setValue(u"GdzieRozpatrzono", QStringLiteral("Krowy, 24 > Wiek"));
+    table.setValue(u"CzyMatka", animal.mother);
+    if (table.fieldIndex(u"ZAZNACZONE") >= 0)
+        table.setValue(u"ZAZNACZONE", false);
+    table.post();
+}
+
+void AppendHerd(Table& table)
+{
+    for (const Animal& animal : Herd)
+        Append(table, animal);
+}
+
+// An animal of herd "001" whose number and age follow from `n`.
+void AppendNumbered(Table& table, int n)
+{
+    const QByteArray numer = QStringLiteral("PL%1").arg(n, 6, 10, QLatin1Char('0')).toLatin1();
+    Append(table, {"001", numer.constData(), n % 2 ? "XY" : "XX", QDate(2020, 1, 1).addDays(n), n % 97, "mleczny",
+                   n % 3 == 0 ? 1 : 0});
+}
+
+void AppendGroup(Table& table, int id, const QString& caption, int count)
+{
+    table.append();
+    table.setValue(u"ID", id);
+    table.setValue(u"GT", caption);
+    table.setValue(u"ZakresWieku", QStringLiteral("6 > Wiek <= 19"));
+    table.setValue(u"Ilosc", count);
+    table.setValue(u"IloscPom", 0);
+    table.post();
+}
+
+void SetMark(Table& table, int record, bool marked)
+{
+    table.moveTo(record);
+    table.edit();
+    table.setValue(u"ZAZNACZONE", marked);
+    table.post();
+}
+
+QStringList HeaderTexts(const QAbstractItemModel& model, int role)
+{
+    QStringList texts;
+    for (int column = 0; column < model.columnCount(); ++column)
+        texts.append(model.headerData(column, Qt::Horizontal, role).toString());
+    return texts;
+}
+
+// "L", "R" or "C" per column, as the cells are aligned.
+QString Alignments(const QAbstractItemModel& model, const QModelIndex& row)
+{
+    QString letters;
+    for (int column = 0; column < model.columnCount(); ++column) {
+        const auto alignment =
+            Qt::Alignment(model.index(row.row(), column, row.parent()).data(Qt::TextAlignmentRole).toInt());
+        letters += alignment & Qt::AlignRight ? u'R' : alignment & Qt::AlignHCenter ? u'C' : u'L';
+    }
+    return letters;
+}
+
+QList<int> Rows(const std::vector<int>& rows)
+{
+    return {rows.cbegin(), rows.cend()};
+}
+
+int ColumnOf(const SummaryGrid& grid, const QString& field)
+{
+    return ColumnOfField(grid.model()->columns(), field);
+}
+
+int RedPixels(const QImage& image)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            count += pixel.red() > 200 && pixel.green() < 80 && pixel.blue() < 80;
+        }
+    return count;
+}
+
+// Counts what a model tells its views.
+struct ModelSignals {
+    explicit ModelSignals(QAbstractItemModel* model)
+        : resets(model, &QAbstractItemModel::modelReset), inserts(model, &QAbstractItemModel::rowsInserted),
+          removals(model, &QAbstractItemModel::rowsRemoved), changes(model, &QAbstractItemModel::dataChanged),
+          layouts(model, &QAbstractItemModel::layoutChanged)
+    {
+    }
+    int perRow() const { return inserts.count() + removals.count() + changes.count() + layouts.count(); }
+    QSignalSpy resets, inserts, removals, changes, layouts;
+};
+
+// The budget holds for an optimised build; unoptimised and sanitized builds
+// only show that nothing grows out of proportion.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr qint64 ResetBudgetMs = 2000;
+#elif defined(NDEBUG)
+constexpr qint64 ResetBudgetMs = 100;
+#else
+constexpr qint64 ResetBudgetMs = 400;
+#endif
+} // namespace
+
+class TestGrids : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void columnsOfTheGrids_data();
+    void columnsOfTheGrids();
+    void cellsShowDisplayTexts();
+    void tableGridFootersCountAndSum_data();
+    void tableGridFootersCountAndSum();
+    void tableGridIsReadOnlyAndFollowsItsTable();
+    void footerFollowsColumnWidthsAndScrolling_data();
+    void footerFollowsColumnWidthsAndScrolling();
+    void summaryFooterCountsTheRowsShown_data();
+    void summaryFooterCountsTheRowsShown();
+    void markingPostsAndRedrawsTheWholeRow();
+    void markingKeepsCurrentRowAndScrollPosition();
+    void markingUnderAFilterOnTheMarkRelaysOut();
+    void displayOrder_data();
+    void displayOrder();
+    void groupRowsShowCaptionValueAndCount();
+    void layoutKnowsWhichChangesMoveARecord_data();
+    void layoutKnowsWhichChangesMoveARecord();
+    void summaryFollowsTableChanges();
+    void silentWhileControlsAreDisabled_data();
+    void silentWhileControlsAreDisabled();
+    void collapsedGroupsSurviveAReset();
+    void filterPopupAndFilterBar();
+    void headerClicksSortUpAndDown();
+    void groupChoiceFollowsGrouping();
+    void twentyThousandRowsResetQuickly();
+    void markedRowsAreDrawnRed();
+
+private:
+    std::unique_ptr<WorkingTables> tables_;
+    Table* summary_ = nullptr;
+    Table* herd_ = nullptr;
+    Table* groups_ = nullptr;
+};
+
+void TestGrids::init()
+{
+    tables_ = std::make_unique<WorkingTables>();
+    summary_ = &tables_->mdRZ00();
+    herd_ = &tables_->mdRZ(1);
+    groups_ = &tables_->mdGT(1);
+    for (Table* table : {summary_, herd_, groups_}) {
+        table->open();
+        table->setReadOnly(false);
+    }
+}
+
+void TestGrids::cleanup()
+{
+    tables_.reset();
+}
+
+void TestGrids::columnsOfTheGrids_data()
+{
+    QTest::addColumn<QString>("grid");
+    QTest::addColumn<QStringList>("captions");
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<QString>("alignments");
+    QTest::newRow("herd animals")
+        << QStringLiteral("herd")
+        << QStringList{QStringLiteral("Numer identyfikacyjny"), QStringLiteral("Plec"),
+                       QStringLiteral("Data urodzenia"),        QStringLiteral("Wiek"),
+                       QStringLiteral("Typ uzytkowy"),          QStringLiteral("Kierunek uzytkowania"),
+                       QStringLiteral("Rozpatrzono"),           QStringLiteral("Czy matka"),
+                       QStringLiteral("Gdzie rozpatrzono")}
+        << QStringList{QStringLiteral("clNumerIdentyfikacyjny"), QStringLiteral("clPlec"),
+                       QStringLiteral("clDataUrodzenia"),        QStringLiteral("clWiek"),
+                       QStringLiteral("clTypUzytkowy"),          QStringLiteral("clKierunekUzytkowania"),
+                       QStringLiteral("clRozpatrzono"),          QStringLiteral("clCzyMatka"),
+                       QStringLiteral("clGdzieRozpatrzono")}
+        << QStringLiteral("LLLRLLCRL");
+    QTest::newRow("groups") << QStringLiteral("groups")
+                            << QStringList{QStringLiteral("GT"), QStringLiteral("ZakresWieku"), QStringLiteral("Ilosc"),
+                                           QStringLiteral("Inf. dod.")}
+                            << QStringList{QStringLiteral("clGT"), QStringLiteral("clZakresWieku"),
+                                           QStringLiteral("clIlosc"), QStringLiteral("clIloscPom")}
+                            << QStringLiteral("LLRR");
+    QTest::newRow("summary") << QStringLiteral("summary")
+                             << QStringList{QStringLiteral("Z"),
+                                            QStringLiteral("Stado"),
+                                            QStringLiteral("Numer identyfikacyjny"),
+                                            QStringLiteral("Plec"),
+                                            QStringLiteral("Data urodzenia"),
+                                            QStringLiteral("Wiek"),
+                                            QStringLiteral("Typ uzytkowy"),
+                                            QStringLiteral("Kierunek uzytkowania"),
+                                            QStringLiteral("Rozpatrzono"),
+                                            QStringLiteral("Gdzie rozpatrzono"),
+                                            QStringLiteral("Czy matka")}
+                             << QStringList{QStringLiteral("clZAZNACZONE"),
+                                            QStringLiteral("clSTADO"),
+                                            QStringLiteral("clNumerIdentyfikacyjny"),
+                                            QStringLiteral("clPlec"),
+                                            QStringLiteral("clDataUrodzenia"),
+                                            QStringLiteral("clWiek"),
+                                            QStringLiteral("clTypUzytkowy"),
+                                            QStringLiteral("clKierunekUzytkowania"),
+                                            QStringLiteral("clRozpatrzono"),
+                                            QStringLiteral("clGdzieRozpatrzono"),
+                                            QStringLiteral("clCzyMatka")}
+                             << QStringLiteral("CLLLLRLLCLR");
+}
+
+void TestGrids::columnsOfTheGrids()
+{
+    QFETCH(QString, grid);
+    QFETCH(QStringList, captions);
+    QFETCH(QStringList, names);
+    QFETCH(QString, alignments);
+    AppendHerd(*herd_);
+    AppendHerd(*summary_);
+    AppendGroup(*groups_, 1, QStringLiteral("Krowy"), 3);
+    std::unique_ptr<QWidget> widget;
+    QAbstractItemModel* model = nullptr;
+    if (grid == u"summary") {
+        auto summaryGrid = std::make_unique<SummaryGrid>(*summary_);
+        model = summaryGrid->view()->model();
+        widget = std::move(summaryGrid);
+    } else {
+        auto tableGrid = std::make_unique<TableGrid>(grid == u"herd" ? *herd_ : *groups_,
+                                                     grid == u"herd" ? GridKind::HerdAnimals : GridKind::Groups);
+        model = tableGrid->view()->model();
+        widget = std::move(tableGrid);
+    }
+    QCOMPARE(HeaderTexts(*model, Qt::DisplayRole), captions);
+    QCOMPARE(HeaderTexts(*model, ColumnObjectNameRole), names);
+    QCOMPARE(Alignments(*model, model->index(0, 0)), alignments);
+}
+
+void TestGrids::cellsShowDisplayTexts()
+{
+    AppendHerd(*herd_);
+    AppendHerd(*summary_);
+    TableGrid herdGrid(*herd_, GridKind::HerdAnimals);
+    const QAbstractItemModel& herd = *herdGrid.view()->model();
+    QCOMPARE(herd.index(0, 0).data().toString(), QStringLiteral("PL0005"));
+    QCOMPARE(herd.index(0, 2).data().toString(), QStringLiteral("10.03.2020"));
+    QCOMPARE(herd.index(0, 3).data().toString(), QStringLiteral("80"));
+    QCOMPARE(herd.index(0, 7).data().toString(), QStringLiteral("1"));
+    QCOMPARE(herd.index(1, 4).data().toString(), QStringLiteral("Łączony"));
+
+    SummaryGrid summaryGrid(*summary_);
+    const QAbstractItemModel& summary = *summaryGrid.view()->model();
+    QCOMPARE(summary.index(0, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
+    QVERIFY(summary.index(0, 0).data().toString().isEmpty()); // the check box says it all
+    QCOMPARE(summary.index(0, 1).data().toString(), QStringLiteral("002"));
+    QCOMPARE(summary.index(0, 4).data().toString(), QStringLiteral("10.03.2020"));
+    QCOMPARE(summary.index(0, 10).data().toString(), QStringLiteral("1"));
+}
+
+void TestGrids::tableGridFootersCountAndSum_data()
+{
+    QTest::addColumn<bool>("groupGrid");
+    QTest::addColumn<QString>("countField");
+    QTest::addColumn<QString>("sumField");
+    QTest::addColumn<QString>("count");
+    QTest::addColumn<QString>("sum");
+    QTest::newRow("herd animals: animals and mothers")
+        << false << QStringLiteral("NumerIdentyfikacyjny") << QStringLiteral("CzyMatka") << QStringLiteral("6")
+        << QStringLiteral("3");
+    QTest::newRow("groups: rows and animals")
+        << true << QStringLiteral("GT") << QStringLiteral("Ilosc") << QStringLiteral("3") << QStringLiteral("42");
+}
+
+void TestGrids::tableGridFootersCountAndSum()
+{
+    QFETCH(bool, groupGrid);
+    QFETCH(QString, countField);
+    QFETCH(QString, sumField);
+    QFETCH(QString, count);
+    QFETCH(QString, sum);
+    AppendHerd(*herd_);
+    AppendGroup(*groups_, 1, QStringLiteral("Krowy"), 30);
+    AppendGroup(*groups_, 2, QStringLiteral("  - Cielęta (samice)"), 0);
+    AppendGroup(*groups_, 3, QStringLiteral("Opasy"), 12);
+    TableGrid grid(groupGrid ? *groups_ : *herd_, groupGrid ? GridKind::Groups : GridKind::HerdAnimals);
+    QCOMPARE(grid.footerText(countField), count);
+    QCOMPARE(grid.footerText(sumField), sum);
+    QVERIFY(grid.footerText(QStringLiteral("Plec")).isEmpty());
+    QVERIFY(grid.footerText(QStringLiteral("ZakresWieku")).isEmpty());
+}
+
+void TestGrids::tableGridIsReadOnlyAndFollowsItsTable()
+{
+    AppendHerd(*herd_);
+    TableGrid grid(*herd_, GridKind::HerdAnimals);
+    QTableView& view = *grid.view();
+    QCOMPARE(view.editTriggers(), QAbstractItemView::NoEditTriggers);
+    QVERIFY(!(view.model()->flags(view.model()->index(0, 0)) & Qt::ItemIsEditable));
+
+    Append(*herd_, {"001", "PL0099", "XX", QDate(2021, 1, 1), 40, "mleczny", 1});
+    QCOMPARE(view.model()->rowCount(), 7);
+    QCOMPARE(view.model()->index(6, 0).data().toString(), QStringLiteral("PL0099"));
+    QCOMPARE(grid.footerText(QStringLiteral("CzyMatka")), QStringLiteral("4"));
+
+    herd_->moveTo(0);
+    herd_->remove();
+    QCOMPARE(view.model()->rowCount(), 6);
+    QCOMPARE(view.model()->index(0, 0).data().toString(), QStringLiteral("PL0001"));
+    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("6"));
+    QCOMPARE(grid.footerText(QStringLiteral("CzyMatka")), QStringLiteral("3"));
+
+    tables_->MarkAnimalReviewed(*herd_, QStringLiteral("MM"), QStringLiteral("Mamki"));
+    QCOMPARE(view.model()->index(herd_->recNo(), 6).data().toString(), QStringLiteral("MM"));
+
+    tables_->ClearTable(*herd_);
+    QCOMPARE(view.model()->rowCount(), 0);
+    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("0"));
+}
+
+void TestGrids::footerFollowsColumnWidthsAndScrolling_data()
+{
+    QTest::addColumn<bool>("summaryGrid");
+    QTest::newRow("herd grid") << false;
+    QTest::newRow("summary grid") << true;
+}
+
+void TestGrids::footerFollowsColumnWidthsAndScrolling()
+{
+    QFETCH(bool, summaryGrid);
+    AppendHerd(*herd_);
+    AppendHerd(*summary_);
+    std::unique_ptr<QWidget> grid;
+    QAbstractItemView* view = nullptr;
+    if (summaryGrid) {
+        auto summary = std::make_unique<SummaryGrid>(*summary_);
+        view = summary->view();
+        grid = std::move(summary);
+    } else {
+        auto herd = std::make_unique<TableGrid>(*herd_, GridKind::HerdAnimals);
+        view = herd->view();
+        grid = std::move(herd);
+    }
+    grid->resize(500, 300);
+    grid->show();
+    QVERIFY(QTest::qWaitForWindowExposed(grid.get()));
+    auto* footer = grid->findChild<GridFooter*>(QStringLiteral("footer"));
+    QVERIFY(footer);
+    const QStringList captions = HeaderTexts(*view->model(), Qt::DisplayRole);
+    const int mothers = static_cast<int>(captions.indexOf(QStringLiteral("Czy matka")));
+    QHeaderView& header =
+        *(summaryGrid ? static_cast<QTreeView*>(view)->header() : static_cast<QTableView*>(view)->horizontalHeader());
+    const auto underHeader = [&] {
+        return header.mapTo(grid.get(), QPoint(header.sectionViewportPosition(mothers), 0)).x() -
+               footer->mapTo(grid.get(), QPoint()).x();
+    };
+    QCOMPARE(footer->text(mothers), QStringLiteral("3"));
+    QCOMPARE(footer->cellRect(mothers).x(), underHeader());
+    QCOMPARE(footer->cellRect(mothers).width(), header.sectionSize(mothers));
+
+    const int before = footer->cellRect(mothers).x();
+    header.resizeSection(0, header.sectionSize(0) + 50);
+    QCOMPARE(footer->cellRect(mothers).x(), before + 50);
+    header.resizeSection(mothers, 90);
+    QCOMPARE(footer->cellRect(mothers).width(), 90);
+    view->horizontalScrollBar()->setValue(30);
+    QCOMPARE(footer->cellRect(mothers).x(), before + 50 - 30);
+    QCOMPARE(footer->cellRect(mothers).x(), underHeader());
+}
+
+void TestGrids::summaryFooterCountsTheRowsShown_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QStringList>("accepted");
+    QTest::addColumn<QString>("animals");
+    QTest::addColumn<QString>("mothers");
+    QTest::newRow("no filter") << QString() << QStringList() << QStringLiteral("6") << QStringLiteral("3");
+    QTest::newRow("herd 001") << QStringLiteral("STADO") << QStringList{QStringLiteral("001")} << QStringLiteral("3")
+                              << QStringLiteral("2");
+    QTest::newRow("males") << QStringLiteral("Plec") << QStringList{QStringLiteral("XY")} << QStringLiteral("2")
+                           << QStringLiteral("0");
+    QTest::newRow("nothing passes") << QStringLiteral("Plec") << QStringList{QStringLiteral("?")} << QStringLiteral("0")
+                                    << QStringLiteral("0");
+}
+
+void TestGrids::summaryFooterCountsTheRowsShown()
+{
+    QFETCH(QString, field);
+    QFETCH(QStringList, accepted);
+    QFETCH(QString, animals);
+    QFETCH(QString, mothers);
+    AppendHerd(*summary_);
+    SummaryGrid grid(*summary_);
+    if (!field.isEmpty())
+        grid.setColumnFilter(field, accepted);
+    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), animals);
+    QCOMPARE(grid.footerText(QStringLiteral("CzyMatka")), mothers);
+    // Grouping and collapsing hide no animal from the totals.
+    grid.groupByField(QStringLiteral("STADO"));
+    grid.setGroupExpanded(0, false);
+    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), animals);
+}
+
+void TestGrids::markingPostsAndRedrawsTheWholeRow()
+{
+    AppendHerd(*summary_);
+    SummaryGrid grid(*summary_);
+    QAbstractItemModel& model = *grid.view()->model();
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    QSignalSpy relaid(&model, &QAbstractItemModel::layoutChanged);
+    int posts = 0;
+    summary_->setAfterPost([&posts](Table&) { ++posts; });
+    const int last = model.columnCount() - 1;
+
+    for (const bool marked : {true, false}) {
+        changed.clear();
+        QVERIFY(model.setData(model.index(3, 0), marked ? Qt::Checked : Qt::Unchecked, Qt::CheckStateRole));
+        QCOMPARE(AsBoolean(summary_->at(3, summary_->requireField(u"ZAZNACZONE"))), marked);
+        QCOMPARE(summary_->state(), Table::State::Browse);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.first().at(0).value<QModelIndex>(), model.index(3, 0));
+        QCOMPARE(changed.first().at(1).value<QModelIndex>(), model.index(3, last));
+        for (int column = 0; column <= last; ++column) {
+            const QModelIndex cell = model.index(3, column);
+            const QFont font = qvariant_cast<QFont>(cell.data(Qt::FontRole));
+            QCOMPARE(font.bold(), marked);
+            QCOMPARE(font.italic(), marked);
+            QCOMPARE(qvariant_cast<QColor>(cell.data(Qt::ForegroundRole)),
+                     marked ? QColor(255, 0, 0) : QColor(Qt::black));
+        }
+        QCOMPARE(model.index(3, 0).data(Qt::CheckStateRole).toInt(), int(marked ? Qt::Checked : Qt::Unchecked));
+        // The neighbours stay as they were.
+        QVERIFY(!qvariant_cast<QFont>(model.index(2, 1).data(Qt::FontRole)).bold());
+    }
+    QCOMPARE(posts, 2);
+    QCOMPARE(relaid.count(), 0);
+    // Only the mark is editable, and only as a check box.
+    QVERIFY(model.flags(model.index(0, 0)) & Qt::ItemIsUserCheckable);
+    QVERIFY(!(model.flags(model.index(0, 1)) & (Qt::ItemIsUserCheckable | Qt::ItemIsEditable)));
+    QVERIFY(!model.setData(model.index(0, 1), QStringLiteral("999"), Qt::EditRole));
+    QVERIFY(!model.setData(model.index(0, 2), Qt::Checked, Qt::CheckStateRole));
+    QCOMPARE(summary_->at(0, summary_->requireField(u"STADO")), FieldValue(QStringLiteral("002")));
+}
+
+void TestGrids::markingKeepsCurrentRowAndScrollPosition()
+{
+    for (int n = 0; n < 300; ++n)
+        AppendNumbered(*summary_, n);
+    SummaryGrid grid(*summary_);
+    grid.sortByField(QStringLiteral("Wiek"), Qt::DescendingOrder);
+    grid.resize(900, 400);
+    grid.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&grid));
+    QTreeView& view = *grid.view();
+    const QModelIndex target = view.model()->index(150, 2);
+    view.setCurrentIndex(target);
+    view.scrollTo(target, QAbstractItemView::PositionAtCenter);
+    const int scroll = view.verticalScrollBar()->value();
+    QVERIFY(scroll > 0);
+    const int record = grid.model()->recordAt(target);
+
+    QVERIFY(view.model()->setData(view.model()->index(150, 0), Qt::Checked, Qt::CheckStateRole));
+    QCoreApplication::processEvents();
+    QCOMPARE(view.currentIndex().row(), 150);
+    QCOMPARE(grid.model()->recordAt(view.currentIndex()), record);
+    QCOMPARE(view.verticalScrollBar()->value(), scroll);
+    QCOMPARE(summary_->recNo(), record);
+}
+
+void TestGrids::markingUnderAFilterOnTheMarkRelaysOut()
+{
+    AppendHerd(*summary_);
+    SetMark(*summary_, 1, true);
+    SetMark(*summary_, 4, true);
+    SummaryGrid grid(*summary_);
+    grid.setColumnFilter(QStringLiteral("ZAZNACZONE"), {QStringLiteral("True")});
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{1, 4}));
+    QCOMPARE(grid.filterDescription(), QStringLiteral("Filtr: Z = Zaznaczone"));
+    QAbstractItemModel& model = *grid.view()->model();
+    grid.view()->setCurrentIndex(model.index(1, 2));
+    QVERIFY(model.setData(model.index(0, 0), Qt::Unchecked, Qt::CheckStateRole));
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{4}));
+    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("1"));
+    // The current row moved up with its record.
+    QCOMPARE(grid.model()->recordAt(grid.view()->currentIndex()), 4);
+
+    grid.clearFilters();
+    grid.sortByField(QStringLiteral("ZAZNACZONE"), Qt::DescendingOrder);
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{4, 0, 1, 2, 3, 5}));
+    SetMark(*summary_, 2, true);
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{2, 4, 0, 1, 3, 5}));
+}
+
+void TestGrids::displayOrder_data()
+{
+    QTest::addColumn<QStringList>("filters"); // "FIELD=text|text"
+    QTest::addColumn<QString>("sortField");
+    QTest::addColumn<bool>("descending");
+    QTest::addColumn<QString>("groupField");
+    QTest::addColumn<int>("collapsedGroup"); // -1: every group open
+    QTest::addColumn<QList<int>>("rows");
+    const QString none;
+    const QStringList noFilter;
+    QTest::newRow("table order") << noFilter << none << false << none << -1 << QList<int>{0, 1, 2, 3, 4, 5};
+    QTest::newRow("filter on one value") << QStringList{QStringLiteral("STADO=001")} << none << false << none << -1
+                                         << QList<int>{1, 2, 5};
+    QTest::newRow("filter on two values")
+        << QStringList{QStringLiteral("STADO=001|003")} << none << false << none << -1 << QList<int>{1, 2, 3, 5};
+    QTest::newRow("filters on two columns") << QStringList{QStringLiteral("STADO=001|002"), QStringLiteral("Plec=XX")}
+                                            << none << false << none << -1 << QList<int>{0, 2, 5};
+    QTest::newRow("filter on a date as shown")
+        << QStringList{QStringLiteral("DataUrodzenia=10.03.2020")} << none << false << none << -1 << QList<int>{0};
+    QTest::newRow("filter on a blank") << QStringList{QStringLiteral("TypUzytkowy=")} << none << false << none << -1
+                                       << QList<int>{5};
+    QTest::newRow("Wiek as numbers") << noFilter << QStringLiteral("Wiek") << false << none << -1
+                                     << QList<int>{5, 1, 4, 3, 0, 2};
+    QTest::newRow("Wiek descending") << noFilter << QStringLiteral("Wiek") << true << none << -1
+                                     << QList<int>{2, 0, 3, 4, 1, 5};
+    QTest::newRow("birth dates as dates")
+        << noFilter << QStringLiteral("DataUrodzenia") << false << none << -1 << QList<int>{2, 5, 0, 4, 1, 3};
+    QTest::newRow("birth dates descending")
+        << noFilter << QStringLiteral("DataUrodzenia") << true << none << -1 << QList<int>{3, 1, 4, 0, 5, 2};
+    QTest::newRow("texts, ties in table order")
+        << noFilter << QStringLiteral("Plec") << false << none << -1 << QList<int>{0, 2, 3, 5, 1, 4};
+    QTest::newRow("texts descending, ties in table order")
+        << noFilter << QStringLiteral("Plec") << true << none << -1 << QList<int>{1, 4, 0, 2, 3, 5};
+    QTest::newRow("Polish letters, blank first")
+        << noFilter << QStringLiteral("TypUzytkowy") << false << none << -1 << QList<int>{5, 3, 1, 4, 0, 2};
+    QTest::newRow("sort under a filter") << QStringList{QStringLiteral("Plec=XX")} << QStringLiteral("Wiek") << false
+                                         << none << -1 << QList<int>{5, 3, 0, 2};
+    QTest::newRow("groups by herd") << noFilter << none << false << QStringLiteral("STADO") << -1
+                                    << QList<int>{1, 2, 5, 0, 4, 3};
+    QTest::newRow("groups by herd, rows by age")
+        << noFilter << QStringLiteral("Wiek") << false << QStringLiteral("STADO") << -1 << QList<int>{5, 1, 2, 4, 0, 3};
+    QTest::newRow("groups ascending while rows descend")
+        << noFilter << QStringLiteral("Wiek") << true << QStringLiteral("STADO") << -1 << QList<int>{2, 1, 5, 0, 4, 3};
+    QTest::newRow("groups follow a descending sort on their field")
+        << noFilter << QStringLiteral("STADO") << true << QStringLiteral("STADO") << -1 << QList<int>{3, 0, 4, 1, 2, 5};
+    QTest::newRow("groups by date in date order")
+        << noFilter << none << false << QStringLiteral("DataUrodzenia") << -1 << QList<int>{2, 5, 0, 4, 1, 3};
+    QTest::newRow("collapsed group skipped")
+        << noFilter << none << false << QStringLiteral("STADO") << 1 << QList<int>{1, 2, 5, 3};
+    QTest::newRow("groups under a filter") << QStringList{QStringLiteral("Plec=XX")} << QStringLiteral("Wiek") << true
+                                           << QStringLiteral("STADO") << 2 << QList<int>{2, 5, 0};
+}
+
+void TestGrids::displayOrder()
+{
+    QFETCH(QStringList, filters);
+    QFETCH(QString, sortField);
+    QFETCH(bool, descending);
+    QFETCH(QString, groupField);
+    QFETCH(int, collapsedGroup);
+    QFETCH(QList<int>, rows);
+    AppendHerd(*summary_);
+    SummaryGrid grid(*summary_);
+    for (const QString& filter : filters) {
+        const QString field = filter.section(u'=', 0, 0);
+        grid.setColumnFilter(field, filter.section(u'=', 1).split(u'|'));
+    }
+    grid.sortByField(sortField, descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+    grid.groupByField(groupField);
+    if (collapsedGroup >= 0)
+        grid.setGroupExpanded(collapsedGroup, false);
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), rows);
+
+    // The view shows the same rows, the rows of a collapsed group hidden.
+    QList<int> shown;
+    QTreeView& view = *grid.view();
+    for (QModelIndex index = view.model()->index(0, 0); index.isValid(); index = view.indexBelow(index))
+        if (!grid.model()->isGroupRow(index))
+            shown.append(grid.model()->recordAt(index));
+    QCOMPARE(shown, rows);
+}
+
+void TestGrids::groupRowsShowCaptionValueAndCount()
+{
+    AppendHerd(*summary_);
+    SummaryGrid grid(*summary_);
+    grid.groupByField(QStringLiteral("STADO"));
+    const QAbstractItemModel& model = *grid.view()->model();
+    QCOMPARE(model.rowCount(), 3);
+    QCOMPARE(model.index(0, 0).data().toString(), QStringLiteral("Stado: 001 (3)"));
+    QCOMPARE(model.index(1, 0).data().toString(), QStringLiteral("Stado: 002 (2)"));
+    QCOMPARE(model.index(2, 0).data().toString(), QStringLiteral("Stado: 003 (1)"));
+    QVERIFY(grid.view()->isExpanded(model.index(1, 0)));
+    QCOMPARE(model.rowCount(model.index(1, 0)), 2);
+    QCOMPARE(model.index(0, 2, model.index(1, 0)).data().toString(), QStringLiteral("PL0005"));
+    QCOMPARE(model.parent(model.index(0, 2, model.index(1, 0))), model.index(1, 0));
+    QVERIFY(!(model.flags(model.index(0, 0)) & Qt::ItemIsUserCheckable));
+
+    grid.setColumnFilter(QStringLiteral("Plec"), {QStringLiteral("XY")});
+    QCOMPARE(model.index(0, 0).data().toString(), QStringLiteral("Stado: 001 (1)"));
+    grid.groupByField(QStringLiteral("ZAZNACZONE"));
+    QCOMPARE(model.index(0, 0).data().toString(), QStringLiteral("Z: Niezaznaczone (2)"));
+    grid.groupByField({});
+    QCOMPARE(model.rowCount(), 2);
+    QVERIFY(!grid.model()->isGroupRow(model.index(0, 0)));
+}
+
+void TestGrids::layoutKnowsWhichChangesMoveARecord_data()
+{
+    QTest::addColumn<QString>("setting"); // "filter", "sort" or "group", or empty
+    QTest::addColumn<QString>("settingField");
+    QTest::addColumn<QString>("changedField");
+    QTest::addColumn<QString>("newText"); // for text fields; others get a new value of their own
+    QTest::addColumn<bool>("keepsPlace");
+    QTest::newRow("mark, nothing set") << QString() << QString() << QStringLiteral("ZAZNACZONE") << QString() << true;
+    QTest::newRow("mark, filtered") << QStringLiteral("filter") << QStringLiteral("ZAZNACZONE")
+                                    << QStringLiteral("ZAZNACZONE") << QString() << false;
+    QTest::newRow("mark, sorted by age") << QStringLiteral("sort") << QStringLiteral("Wiek")
+                                         << QStringLiteral("ZAZNACZONE") << QString() << true;
+    QTest::newRow("age, sorted by age") << QStringLiteral("sort") << QStringLiteral("Wiek") << QStringLiteral("Wiek")
+                                        << QString() << false;
+    QTest::newRow("herd, grouped by herd") << QStringLiteral("group") << QStringLiteral("STADO")
+                                           << QStringLiteral("STADO") << QStringLiteral("009") << false;
+    QTest::newRow("age, grouped by herd")
+        << QStringLiteral("group") << QStringLiteral("STADO") << QStringLiteral("Wiek") << QString() << true;
+    QTest::newRow("sex rewritten unchanged, filtered")
+        << QStringLiteral("filter") << QStringLiteral("Plec") << QStringLiteral("Plec") << QStringLiteral("XX") << true;
+}
+
+void TestGrids::layoutKnowsWhichChangesMoveARecord()
+{
+    QFETCH(QString, setting);
+    QFETCH(QString, settingField);
+    QFETCH(QString, changedField);
+    QFETCH(QString, newText);
+    QFETCH(bool, keepsPlace);
+    AppendHerd(*summary_);
+    SummaryLayout layout(*summary_);
+    const int field = settingField.isEmpty() ? -1 : summary_->requireField(settingField);
+    if (setting == u"filter")
+        layout.setFilter(field, {QStringLiteral("False"), QStringLiteral("XX")});
+    else if (setting == u"sort")
+        layout.setSort(field, Qt::AscendingOrder);
+    else if (setting == u"group")
+        layout.setGroupField(field);
+    layout.rebuild();
+
+    summary_->moveTo(0);
+    summary_->edit();
+    if (changedField == u"ZAZNACZONE")
+        summary_->setValue(changedField, true);
+    else if (changedField == u"Wiek")
+        summary_->setValue(changedField, 1);
+    else
+        summary_->setValue(changedField, newText);
+    summary_->post();
+    QCOMPARE(layout.recordChanged(0), keepsPlace);
+    // Once rebuilt, the layout holds the new value and the same change is no news.
+    layout.rebuild();
+    QVERIFY(layout.recordChanged(0));
+}
+
+void TestGrids::summaryFollowsTableChanges()
+{
+    AppendHerd(*summary_);
+    SummaryGrid grid(*summary_);
+    grid.setColumnFilter(QStringLiteral("STADO"), {QStringLiteral("001"), QStringLiteral("002")});
+    grid.sortByField(QStringLiteral("Wiek"), Qt::AscendingOrder);
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{5, 1, 4, 0, 2}));
+    grid.view()->setCurrentIndex(grid.model()->indexOfRecord(0, 2));
+
+    Append(*summary_, {"002", "PL0007", "XX", QDate(2021, 6, 1), 50, "mleczny", 1});
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{5, 1, 4, 6, 0, 2}));
+    Append(*summary_, {"004", "PL0008", "XX", QDate(2021, 6, 1), 1, "mleczny", 1}); // filtered out
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{5, 1, 4, 6, 0, 2}));
+    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("6"));
+    QCOMPARE(grid.footerText(QStringLiteral("CzyMatka")), QStringLiteral("4"));
+
+    summary_->moveTo(1);
+    summary_->remove(); // the records after it move up by one
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{4, 3, 5, 0, 1}));
+    QCOMPARE(grid.model()->recordAt(grid.view()->currentIndex()), 0);
+
+    summary_->moveTo(2);
+    summary_->edit();
+    summary_->setValue(u"Wiek", 3); // a change that moves the row
+    summary_->post();
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{4, 3, 5, 0, 1}));
+    summary_->moveTo(0);
+    summary_->edit();
+    summary_->setValue(u"Wiek", 1);
+    summary_->post();
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{0, 4, 3, 5, 1}));
+
+    tables_->ClearTable(*summary_);
+    QVERIFY(grid.rowsInDisplayOrder().empty());
+    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("0"));
+    AppendHerd(*summary_); // the user's filter and sort still hold
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{5, 1, 4, 0, 2}));
+}
+
+void TestGrids::silentWhileControlsAreDisabled_data()
+{
+    QTest::addColumn<bool>("summaryGrid");
+    QTest::newRow("herd grid") << false;
+    QTest::newRow("summary grid") << true;
+}
+
+void TestGrids::silentWhileControlsAreDisabled()
+{
+    QFETCH(bool, summaryGrid);
+    Table& table = summaryGrid ? *summary_ : *herd_;
+    AppendHerd(table);
+    std::unique_ptr<QWidget> grid;
+    QAbstractItemModel* model = nullptr;
+    if (summaryGrid) {
+        auto summary = std::make_unique<SummaryGrid>(table);
+        summary->groupByField(QStringLiteral("STADO"));
+        model = summary->view()->model();
+        grid = std::move(summary);
+    } else {
+        auto herd = std::make_unique<TableGrid>(table, GridKind::HerdAnimals);
+        model = herd->view()->model();
+        grid = std::move(herd);
+    }
+    grid->resize(800, 300);
+    grid->show();
+    ModelSignals seen(model);
+
+    table.disableControls();
+    for (int n = 0; n < 50; ++n)
+        AppendNumbered(table, n);
+    table.moveTo(2);
+    table.remove();
+    tables_->MarkAnimalReviewed(table, QStringLiteral("X"), QStringLiteral("Opasy"));
+    grid->repaint(); // painting while the table is ahead of the grid must be harmless
+    QCOMPARE(seen.perRow(), 0);
+    QCOMPARE(seen.resets.count(), 0);
+
+    table.enableControls();
+    QCOMPARE(seen.perRow(), 0);
+    QCOMPARE(seen.resets.count(), 1);
+    const int rows =
+        summaryGrid ? static_cast<SummaryGrid*>(grid.get())->model()->layout().shownCount() : model->rowCount();
+    QCOMPARE(rows, 55);
+}
+
+void TestGrids::collapsedGroupsSurviveAReset()
+{
+    AppendHerd(*summary_);
+    SummaryGrid grid(*summary_);
+    grid.groupByField(QStringLiteral("STADO"));
+    grid.setGroupExpanded(1, false); // "002"
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{1, 2, 5, 3}));
+
+    summary_->disableControls();
+    Append(*summary_, {"000", "PL0010", "XX", QDate(2021, 6, 1), 50, "mleczny", 1});
+    summary_->enableControls();
+    QCOMPARE(grid.view()->model()->index(0, 0).data().toString(), QStringLiteral("Stado: 000 (1)"));
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{6, 1, 2, 5, 3}));
+
+    Append(*summary_, {"002", "PL0011", "XX", QDate(2021, 6, 1), 50, "mleczny", 1}); // a row into it
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{6, 1, 2, 5, 3}));
+    grid.setGroupExpanded(2, true);
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{6, 1, 2, 5, 0, 4, 7, 3}));
+
+    grid.setGroupExpanded(0, false);
+    grid.groupByField(QStringLiteral("Plec")); // another grouping starts open
+    QCOMPARE(grid.rowsInDisplayOrder().size(), std::size_t(8));
+}
+
+void TestGrids::filterPopupAndFilterBar()
+{
+    AppendHerd(*summary_);
+    SummaryGrid grid(*summary_);
+    grid.resize(900, 400);
+    grid.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&grid));
+    auto* bar = grid.findChild<QWidget*>(QStringLiteral("filterBar"));
+    QVERIFY(bar && !bar->isVisible());
+
+    ColumnFilterPopup* popup = grid.openFilterPopup(QStringLiteral("STADO"));
+    QListWidget* list = popup->list();
+    QStringList labels;
+    for (int row = 0; row < list->count(); ++row)
+        labels.append(list->item(row)->text());
+    QCOMPARE(labels, (QStringList{QStringLiteral("(Wszystkie)"), QStringLiteral("001"), QStringLiteral("002"),
+                                  QStringLiteral("003")}));
+    QCOMPARE(list->item(0)->checkState(), Qt::Checked);
+    list->item(2)->setCheckState(Qt::Checked);
+    QCOMPARE(list->item(0)->checkState(), Qt::Unchecked);
+    popup->apply();
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{0, 4}));
+    QVERIFY(bar->isVisible());
+    QCOMPARE(grid.findChild<QLabel*>(QStringLiteral("lblFiltr"))->text(), QStringLiteral("Filtr: Stado = 002"));
+
+    popup = grid.openFilterPopup(QStringLiteral("TypUzytkowy"));
+    list = popup->list();
+    QCOMPARE(list->item(1)->text(), QStringLiteral("(Puste)"));
+    list->item(1)->setCheckState(Qt::Checked); // blank
+    list->item(3)->setCheckState(Qt::Checked); // "Łączony"
+    popup->apply();
+    QCOMPARE(grid.filterDescription(), QStringLiteral("Filtr: Stado = 002 oraz Typ uzytkowy = (Puste) lub Łączony"));
+    QVERIFY(grid.rowsInDisplayOrder().empty());
+
+    popup = grid.openFilterPopup(QStringLiteral("STADO"));
+    QCOMPARE(popup->list()->item(2)->checkState(), Qt::Checked); // the filter in force is offered
+    popup->list()->item(3)->setCheckState(Qt::Checked);
+    popup->list()->item(0)->setCheckState(Qt::Checked); // "(Wszystkie)" clears the column's values
+    QVERIFY(popup->checkedValues().isEmpty());
+    popup->apply();
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{1, 5})); // the use-type filter still holds
+
+    QTest::mouseClick(grid.findChild<QPushButton*>(QStringLiteral("btnWyczyscFiltr")), Qt::LeftButton);
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{0, 1, 2, 3, 4, 5}));
+    QVERIFY(!bar->isVisible());
+    QVERIFY(grid.filterDescription().isEmpty());
+}
+
+void TestGrids::headerClicksSortUpAndDown()
+{
+    AppendHerd(*summary_);
+    SummaryGrid grid(*summary_);
+    grid.resize(1000, 400);
+    grid.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&grid));
+    QHeaderView& header = *grid.view()->header();
+    const int wiek = ColumnOf(grid, QStringLiteral("Wiek"));
+    const QPoint centre(header.sectionViewportPosition(wiek) + header.sectionSize(wiek) / 2, header.height() / 2);
+
+    QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, centre);
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{5, 1, 4, 3, 0, 2}));
+    QCOMPARE(header.sortIndicatorOrder(), Qt::AscendingOrder);
+    QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, centre);
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{2, 0, 3, 4, 1, 5}));
+
+    grid.sortByField(QStringLiteral("DataUrodzenia"), Qt::AscendingOrder);
+    QCOMPARE(header.sortIndicatorSection(), ColumnOf(grid, QStringLiteral("DataUrodzenia")));
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{2, 5, 0, 4, 1, 3}));
+    grid.sortByField({}, Qt::AscendingOrder);
+    QCOMPARE(header.sortIndicatorSection(), -1);
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{0, 1, 2, 3, 4, 5}));
+}
+
+void TestGrids::groupChoiceFollowsGrouping()
+{
+    AppendHerd(*summary_);
+    SummaryGrid grid(*summary_);
+    auto* choice = grid.findChild<QComboBox*>(QStringLiteral("edGrupujWedlug"));
+    QVERIFY(choice);
+    QCOMPARE(choice->itemText(0), QStringLiteral("(brak)"));
+    QCOMPARE(choice->currentIndex(), 0);
+    const int stado = choice->findText(QStringLiteral("Stado"));
+    QVERIFY(stado > 0);
+    choice->setCurrentIndex(stado);
+    Q_EMIT choice->activated(stado);
+    QCOMPARE(grid.view()->model()->index(0, 0).data().toString(), QStringLiteral("Stado: 001 (3)"));
+
+    grid.groupByField(QStringLiteral("Plec"));
+    QCOMPARE(choice->currentText(), QStringLiteral("Plec"));
+    Q_EMIT choice->activated(0);
+    QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{0, 1, 2, 3, 4, 5}));
+    QCOMPARE(choice->currentText(), QStringLiteral("(brak)"));
+}
+
+void TestGrids::twentyThousandRowsResetQuickly()
+{
+    SummaryGrid grid(*summary_);
+    grid.resize(1000, 600);
+    grid.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&grid));
+    grid.sortByField(QStringLiteral("NumerIdentyfikacyjny"), Qt::DescendingOrder);
+    grid.groupByField(QStringLiteral("STADO"));
+    summary_->disableControls();
+    for (int n = 0; n < 20000; ++n)
+        AppendNumbered(*summary_, n);
+
+    QElapsedTimer timer;
+    timer.start();
+    summary_->enableControls();
+    grid.repaint();
+    const qint64 elapsed = timer.elapsed();
+    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("20000"));
+    QCOMPARE(grid.rowsInDisplayOrder().front(), 19999);
+    QVERIFY2(elapsed < ResetBudgetMs, qPrintable(QStringLiteral("reset took %1 ms").arg(elapsed)));
+}
+
+void TestGrids::markedRowsAreDrawnRed()
+{
+    for (int n = 0; n < 30; ++n)
+        AppendNumbered(*summary_, n);
+    SummaryGrid grid(*summary_);
+    grid.groupByField(QStringLiteral("STADO"));
+    grid.resize(1100, 720);
+    grid.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&grid));
+    QCOMPARE(RedPixels(grid.grab().toImage()), 0);
+
+    QAbstractItemModel& model = *grid.view()->model();
+    const QModelIndex group = model.index(0, 0);
+    QVERIFY(model.setData(model.index(2, 0, group), Qt::Checked, Qt::CheckStateRole));
+    QVERIFY(model.setData(model.index(5, 0, group), Qt::Checked, Qt::CheckStateRole));
+    const QImage image = grid.grab().toImage();
+    QVERIFY(RedPixels(image) > 100);
+    const QString screenshot = qEnvironmentVariable("HALVARN_GRID_SCREENSHOT");
+    if (!screenshot.isEmpty())
+        QVERIFY(image.save(screenshot));
+}
+
+QTEST_MAIN(TestGrids)
+#include "test_grids.moc"
