@@ -1,0 +1,462 @@
+#include "app/grids/SummaryGrid.h"
+#include "app/grids/TableGrid.h"
+#include "app/session/HalvarnSession.h"
+#include "app/window/StatusDisplay.h"
+#include "app/window/TfHalvarnMain.h"
+#include "app/window/UserDialogs.h"
+#include "framework/Cp1250.h"
+#include "registry/sim/RegistrySimulator.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QDir>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QSignalSpy>
+#include <QTreeView>
+
+#include <numeric>
+
+namespace {
+// Answers the window's questions as a test sets them up and remembers what it was told.
+class RecordingDialogs : public UserDialogs {
+public:
+    struct Shown {
+        QString caption;
+        QString text;
+    };
+    std::vector<Shown> messages;
+    QStringList questions;
+    bool answerYes = true;
+    std::optional<QString> herdChoice = QStringLiteral("ALL");
+    QStringList opened;
+
+    void message(const QString& caption, const QString& text, MessageIcon) override
+    {
+        messages.push_back({caption, text});
+    }
+    bool question(const QString&, const QString& text) override
+    {
+        questions.append(text);
+        return answerYes;
+    }
+    std::optional<QString> herd() override { return herdChoice; }
+    void openFile(const QString& path) override { opened.append(path); }
+    QStringList texts() const
+    {
+        QStringList all;
+        for (const Shown& m : messages)
+            all.append(m.text);
+        return all;
+    }
+};
+
+QString Text(const char* utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+const DemoOptions Demo;
+} // namespace
+
+class TestMainWindow : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> data_;
+    std::unique_ptr<RegistrySimulator> registry_;
+    std::unique_ptr<TfHalvarnMain> window_;
+    RecordingDialogs* dialogs_ = nullptr;
+
+    void openWindow(const SimOptions& sim = {});
+    template <class T> T* child(const char* name) const
+    {
+        T* found = window_->findChild<T*>(QLatin1String(name));
+        if (!found)
+            qFatal("no control %s", name);
+        return found;
+    }
+    void click(const char* button) { child<QPushButton>(button)->click(); }
+    void fillDemoLogin() { window_->fillLogin(Demo.login, Demo.password, Demo.producerNumber); }
+    void writeFile(const QString& name, const QByteArray& bytes);
+    int sumOf(Table& table, const char* field) const;
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void startsEmptyIdleOnLoadedDataPage();
+    void clearingEndsIdleAtSixtyFourOfSixtyFive();
+    void credentialsComeFromFieldsOrTestLogin_data();
+    void credentialsComeFromFieldsOrTestLogin();
+    void producerNumberIsNineCharactersAndEmptiesName();
+    void passwordEllipsisTogglesEcho();
+    void demoDownloadFillsTabsGridsAndMemos();
+    void downloadOverLoadedDataAsksFirst_data();
+    void downloadOverLoadedDataAsksFirst();
+    void markingAnAnimalRedrawsItsRow();
+    void cancelStopsDownloadWithConsistentTables();
+    void summaryExportsFollowTheGridsDisplayOrder();
+    void herdExportCancelledWritesNothing();
+    void changedLimitsTakeEffectAtTheNextClearing();
+    void unreachableRegistryEndsInAMessage();
+    void commandsOfLaterVersionsAreVisiblyDisabled();
+};
+
+void TestMainWindow::init()
+{
+    QCoreApplication::setApplicationVersion(QStringLiteral(HALVARN_VERSION));
+    data_ = std::make_unique<QTemporaryDir>();
+    QVERIFY(data_->isValid());
+    QVERIFY(DataFolder(data_->path()).prepare());
+}
+
+void TestMainWindow::cleanup()
+{
+    window_.reset();
+    registry_.reset();
+    data_.reset();
+}
+
+void TestMainWindow::openWindow(const SimOptions& sim)
+{
+    registry_ = std::make_unique<RegistrySimulator>(GenerateDemoDataset(Demo), sim);
+    QVERIFY(registry_->start());
+    RegistryConfig config;
+    config.ssoBase = config.apiBase = registry_->baseUrl();
+    auto dialogs = std::make_unique<RecordingDialogs>();
+    dialogs_ = dialogs.get();
+    window_ = std::make_unique<TfHalvarnMain>(DataFolder(data_->path()), config, std::move(dialogs));
+    window_->show();
+}
+
+void TestMainWindow::writeFile(const QString& name, const QByteArray& bytes)
+{
+    QFile file(data_->filePath(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+int TestMainWindow::sumOf(Table& table, const char* field) const
+{
+    const int column = table.requireField(QLatin1String(field));
+    int sum = 0;
+    for (int row = 0; row < table.recordCount(); ++row)
+        sum += AsInteger(table.at(row, column));
+    return sum;
+}
+
+void TestMainWindow::startsEmptyIdleOnLoadedDataPage()
+{
+    openWindow();
+    QVERIFY(window_->windowState() & Qt::WindowMaximized);
+    QCOMPARE(window_->pages()->currentWidget()->objectName(), QStringLiteral("tsPobraneDane"));
+    for (int slot = 0; slot < HerdSlotCount; ++slot) {
+        QVERIFY(!window_->pages()->isTabVisible(window_->pages()->indexOf(window_->slotView(slot).TabSheet)));
+        QCOMPARE(window_->session().tables().mdRZ(slot).recordCount(), 0);
+        QCOMPARE(window_->session().tables().mdGT(slot).recordCount(), 40);
+    }
+    StatusDisplay* status = window_->statusDisplay();
+    QVERIFY(!status->busy());
+    QVERIFY(status->panel(StatusDisplay::General)->isVisible());
+    for (int panel : {1, 2, 3, 4, 5, 6})
+        QVERIFY2(!status->panel(panel)->isVisible(), qPrintable(QString::number(panel)));
+    QCOMPARE(status->text(StatusDisplay::Version), QStringLiteral("Ver.: 1.0.0.0"));
+    QCOMPARE(status->text(StatusDisplay::Today), QDate::currentDate().toString(u"dd.MM.yyyy"));
+    QVERIFY(!child<QGroupBox>("lcErrors")->isVisible());
+    QCOMPARE(window_->session().tables().HerdSlots[0].Code, QStringLiteral("000"));
+    QVERIFY(!window_->session().common.torvLogin);
+}
+
+void TestMainWindow::clearingEndsIdleAtSixtyFourOfSixtyFive()
+{
+    openWindow();
+    fillDemoLogin();
+    click("cxButton1");
+    QVERIFY(window_->session().tables().mdRZ00().recordCount() > 0);
+    click("cxButton2");
+    QProgressBar* bar = window_->statusDisplay()->progressBar(1);
+    QCOMPARE(bar->value(), 64);
+    QCOMPARE(bar->maximum(), 65);
+    QVERIFY(!window_->statusDisplay()->busy());
+    for (int slot = 0; slot < HerdSlotCount; ++slot)
+        QCOMPARE(window_->session().tables().mdRZ(slot).recordCount(), 0);
+    QVERIFY(!window_->pages()->isTabVisible(0));
+    QVERIFY(child<QPlainTextEdit>("mLoaded")->toPlainText().isEmpty());
+    QVERIFY(!child<QGroupBox>("lcErrors")->isVisible());
+}
+
+void TestMainWindow::credentialsComeFromFieldsOrTestLogin_data()
+{
+    QTest::addColumn<bool>("torvLogin");
+    QTest::addColumn<QString>("login");
+    QTest::addColumn<QString>("producer");
+    QTest::addColumn<bool>("downloaded");
+    QTest::newRow("test login used when Login is empty") << true << QString() << QString() << true;
+    QTest::newRow("a typed Login wins even without a number") << true << QStringLiteral("jan") << QString() << false;
+    QTest::newRow("without the switch the empty fields count") << false << QString() << QString() << false;
+}
+
+void TestMainWindow::credentialsComeFromFieldsOrTestLogin()
+{
+    QFETCH(bool, torvLogin);
+    QFETCH(QString, login);
+    QFETCH(QString, producer);
+    QFETCH(bool, downloaded);
+    writeFile(QStringLiteral("COMMON.INI"), QByteArray("[PARAM]\r\nTESTER=0\r\nTORV_Login=") +
+                                                 (torvLogin ? "1" : "0") + "\r\n");
+    openWindow();
+    window_->fillLogin(login, QString(), producer);
+    click("cxButton1");
+    QCOMPARE(window_->session().herdCount > 0, downloaded);
+    if (!downloaded)
+        QCOMPARE(dialogs_->texts(), QStringList{Text("Nie podanu mumeru producenta")});
+    else
+        QCOMPARE(window_->session().Login, Demo.login);
+}
+
+void TestMainWindow::producerNumberIsNineCharactersAndEmptiesName()
+{
+    openWindow();
+    auto* number = child<QLineEdit>("edNumerProducenta");
+    auto* name = child<QLineEdit>("edNazwa");
+    name->setText(Text("Gospodarstwo Zielonka"));
+    QTest::keyClicks(number, QStringLiteral("0712345629"));
+    QCOMPARE(number->text(), QStringLiteral("071234562"));
+    QVERIFY(name->text().isEmpty());
+    name->setText(QStringLiteral("Inny"));
+    QTest::keyClick(number, Qt::Key_Backspace);
+    QVERIFY(name->text().isEmpty());
+}
+
+void TestMainWindow::passwordEllipsisTogglesEcho()
+{
+    openWindow();
+    auto* password = child<QLineEdit>("edPassword");
+    QCOMPARE(password->echoMode(), QLineEdit::Password);
+    window_->findChild<QAbstractButton*>(QStringLiteral("edPasswordEllipsis"))->click();
+    QCOMPARE(password->echoMode(), QLineEdit::Normal);
+    window_->findChild<QAbstractButton*>(QStringLiteral("edPasswordEllipsis"))->click();
+    QCOMPARE(password->echoMode(), QLineEdit::Password);
+}
+
+void TestMainWindow::demoDownloadFillsTabsGridsAndMemos()
+{
+    openWindow();
+    fillDemoLogin();
+    click("cxButton1");
+    HalvarnSession& session = window_->session();
+    QTabWidget* pages = window_->pages();
+    const int herds = static_cast<int>(Demo.herdSizes.size());
+    QCOMPARE(session.herdCount, herds);
+    QVERIFY(pages->isTabVisible(0));
+    int animals = 0;
+    for (int slot = 1; slot < HerdSlotCount; ++slot) {
+        const int index = pages->indexOf(window_->slotView(slot).TabSheet);
+        const bool loaded = slot <= herds;
+        QCOMPARE(pages->isTabVisible(index), loaded);
+        if (!loaded)
+            continue;
+        const int size = Demo.herdSizes[static_cast<std::size_t>(slot - 1)];
+        animals += size;
+        QCOMPARE(pages->tabText(index), QStringLiteral("%1").arg(slot, 3, 10, QLatin1Char('0')));
+        auto* grid = static_cast<TableGrid*>(window_->slotView(slot).AnimalsGrid);
+        QCOMPARE(grid->footerText(QStringLiteral("NumerIdentyfikacyjny")), QString::number(size));
+        QCOMPARE(grid->footerText(QStringLiteral("CzyMatka")),
+                 QString::number(sumOf(session.tables().mdRZ(slot), "CzyMatka")));
+        QCOMPARE(window_->slotView(slot).GroupsGrid->footerText(QStringLiteral("Ilosc")), QString::number(size));
+    }
+    QCOMPARE(pages->currentWidget(), window_->slotView(1).TabSheet);
+    QCOMPARE(window_->summaryGrid()->footerText(QStringLiteral("NumerIdentyfikacyjny")), QString::number(animals));
+    QCOMPARE(sumOf(session.tables().mdGT00(), "Ilosc"), animals);
+    pages->setCurrentWidget(child<QWidget>("tsPobraneDane"));
+    const QString loaded = child<QPlainTextEdit>("mLoaded")->toPlainText();
+    QVERIFY(loaded.startsWith(QStringLiteral("dzialalnosc\n{\"listaZwierzeta\":[")));
+    QCOMPARE(loaded, session.loaded());
+    const QString errors = child<QPlainTextEdit>("mErrors")->toPlainText();
+    QVERIFY2(errors.contains(Text("Nie aktywne stado: ")), qPrintable(errors));
+    QVERIFY2(errors.contains(Text("Brak zwierząt w stadzie: ")), qPrintable(errors));
+    QVERIFY(child<QGroupBox>("lcErrors")->isVisible());
+    QVERIFY(!window_->statusDisplay()->busy());
+    QVERIFY(child<QPushButton>("cxButton1")->isEnabled());
+    QVERIFY(!child<QPushButton>("cxButtonPrzerwij")->isVisible());
+    QVERIFY(dialogs_->messages.empty());
+}
+
+void TestMainWindow::downloadOverLoadedDataAsksFirst_data()
+{
+    QTest::addColumn<bool>("answerYes");
+    QTest::newRow("yes downloads again") << true;
+    QTest::newRow("no keeps the data") << false;
+}
+
+void TestMainWindow::downloadOverLoadedDataAsksFirst()
+{
+    QFETCH(bool, answerYes);
+    openWindow();
+    fillDemoLogin();
+    click("cxButton1");
+    window_->summaryGrid()->sortByField(QStringLiteral("Wiek"), Qt::DescendingOrder);
+    const int requests = registry_->stats().tokenRequests;
+    dialogs_->answerYes = answerYes;
+    click("cxButton1");
+    QCOMPARE(dialogs_->questions, QStringList{Text("Są wczytane dane. Będą one usunięte. Czy kontynuować?")});
+    QCOMPARE(registry_->stats().tokenRequests, requests + (answerYes ? 1 : 0));
+    QVERIFY(window_->session().tables().mdRZ00().recordCount() > 0);
+    QVERIFY(window_->pages()->isTabVisible(0));
+}
+
+void TestMainWindow::markingAnAnimalRedrawsItsRow()
+{
+    openWindow();
+    fillDemoLogin();
+    click("cxButton1");
+    QAbstractItemModel* model = window_->summaryGrid()->view()->model();
+    const int columns = model->columnCount();
+    QSignalSpy changed(model, &QAbstractItemModel::dataChanged);
+    QVERIFY(model->setData(model->index(2, 0), Qt::Checked, Qt::CheckStateRole));
+    QVERIFY(!changed.isEmpty());
+    const auto first = changed.first().at(0).value<QModelIndex>();
+    const auto last = changed.first().at(1).value<QModelIndex>();
+    QVERIFY(first.row() <= 2 && last.row() >= 2 && first.column() == 0 && last.column() == columns - 1);
+    const int row = window_->summaryGrid()->rowsInDisplayOrder()[2];
+    QCOMPARE(AsBoolean(window_->session().tables().mdRZ00().at(row, 10)), true);
+    for (int column = 0; column < columns; ++column) {
+        const QModelIndex cell = model->index(2, column);
+        QCOMPARE(cell.data(Qt::ForegroundRole).value<QBrush>().color(), QColor(255, 0, 0));
+        const QFont font = cell.data(Qt::FontRole).value<QFont>();
+        QVERIFY(font.bold() && font.italic());
+    }
+    QVERIFY(!model->index(3, 1).data(Qt::FontRole).value<QFont>().bold());
+}
+
+void TestMainWindow::cancelStopsDownloadWithConsistentTables()
+{
+    SimOptions slow;
+    slow.latencyMs = 20;
+    openWindow(slow);
+    fillDemoLogin();
+    bool lockedWhileRunning = false;
+    QTimer::singleShot(400, window_.get(), [&] {
+        auto* cancel = child<QPushButton>("cxButtonPrzerwij");
+        lockedWhileRunning = cancel->isVisible() && !child<QPushButton>("cxButton1")->isEnabled() &&
+                             !child<QPushButton>("cxButton4")->isEnabled() && window_->operationRunning();
+        cancel->click();
+    });
+    click("cxButton1");
+    QVERIFY(lockedWhileRunning);
+    QVERIFY(!child<QPushButton>("cxButtonPrzerwij")->isVisible());
+    QVERIFY(child<QPushButton>("cxButton1")->isEnabled());
+    const QString errors = child<QPlainTextEdit>("mErrors")->toPlainText();
+    QVERIFY2(errors.contains(Text("Pobieranie przerwane przez użytkownika")), qPrintable(errors));
+    WorkingTables& tables = window_->session().tables();
+    int written = 0;
+    for (int slot = 1; slot < HerdSlotCount; ++slot)
+        written += tables.mdRZ(slot).recordCount();
+    const int total = std::accumulate(Demo.herdSizes.begin(), Demo.herdSizes.end(), 0);
+    QVERIFY(written > 0 && written < total);
+    QCOMPARE(tables.mdRZ00().recordCount(), written);
+    QCOMPARE(sumOf(tables.mdGT00(), "Ilosc"), written);
+    QCOMPARE(window_->summaryGrid()->footerText(QStringLiteral("NumerIdentyfikacyjny")), QString::number(written));
+}
+
+void TestMainWindow::summaryExportsFollowTheGridsDisplayOrder()
+{
+    openWindow();
+    fillDemoLogin();
+    click("cxButton1");
+    SummaryGrid* grid = window_->summaryGrid();
+    grid->setColumnFilter(QStringLiteral("STADO"), {QStringLiteral("002")});
+    grid->sortByField(QStringLiteral("Wiek"), Qt::DescendingOrder);
+    const std::vector<int> shown = grid->rowsInDisplayOrder();
+    QCOMPARE(static_cast<int>(shown.size()), Demo.herdSizes[1]);
+
+    click("cxButton7");
+    QCOMPARE(dialogs_->messages.size(), std::size_t(1));
+    QCOMPARE(dialogs_->messages[0].caption, QStringLiteral("Informacja"));
+    const QString path = dialogs_->messages[0].text.mid(Text("Zapisano do: ").size());
+    QFile csv(path);
+    QVERIFY2(csv.open(QIODevice::ReadOnly), qPrintable(path));
+    QStringList lines = FromCp1250(csv.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    lines.removeFirst();
+    QCOMPARE(lines.size(), static_cast<int>(shown.size()));
+    Table& animals = window_->session().tables().mdRZ00();
+    for (int i = 0; i < lines.size(); ++i)
+        QCOMPARE(lines[i].split(u';')[4], u'"' + AsString(animals.at(shown[static_cast<std::size_t>(i)], 0)) + u'"');
+
+    dialogs_->answerYes = true;
+    click("cxButton4");
+    QCOMPARE(dialogs_->questions, QStringList{Text("Czy otworzyć stworzony plik?")});
+    QCOMPARE(dialogs_->opened.size(), 1);
+    QVERIFY(dialogs_->opened[0].contains(Text("Zwierzęta FILTROWANE-") + Demo.producerNumber));
+    QVERIFY(QFile::exists(dialogs_->opened[0]));
+}
+
+void TestMainWindow::herdExportCancelledWritesNothing()
+{
+    openWindow();
+    dialogs_->herdChoice.reset();
+    child<QAction>("dxBarButton3")->trigger();
+    child<QAction>("dxBarButton2")->trigger();
+    QVERIFY(dialogs_->messages.empty());
+    QVERIFY(QDir(DataFolder(data_->path()).exportFolder()).entryList(QDir::Files).isEmpty());
+}
+
+void TestMainWindow::changedLimitsTakeEffectAtTheNextClearing()
+{
+    openWindow();
+    bool parametersOpened = false;
+    QTimer::singleShot(0, window_.get(), [&] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        parametersOpened = dialog && dialog->objectName() == QStringLiteral("TfGET_PARAM");
+        if (dialog)
+            dialog->close();
+    });
+    child<QAction>("dxBarButton6")->trigger();
+    QVERIFY(parametersOpened);
+
+    writeFile(QStringLiteral("HALVARN.INI"), "[WIEK]\r\nCieletaGrp_Ponad_220KG_Wiek_Od=7\r\n");
+    Table& groups = window_->session().tables().mdGT(4);
+    const int row29 = 28; // all three blocks: IDs 1..40 in order
+    QCOMPARE(AsString(groups.at(row29, 2)), QStringLiteral("5 > Wiek <= 6"));
+    click("cxButton2");
+    QCOMPARE(AsString(groups.at(row29, 2)), QStringLiteral("7 > Wiek <= 6"));
+}
+
+void TestMainWindow::unreachableRegistryEndsInAMessage()
+{
+    openWindow();
+    registry_->stop();
+    fillDemoLogin();
+    click("cxButton1");
+    QCOMPARE(dialogs_->messages.size(), std::size_t(1));
+    QCOMPARE(dialogs_->messages[0].caption, Text("Bład..."));
+    QVERIFY2(dialogs_->messages[0].text.startsWith(Text("Autoryzacja zakończona z błędem: ")),
+             qPrintable(dialogs_->messages[0].text));
+    QVERIFY(!window_->statusDisplay()->busy());
+    QVERIFY(child<QPushButton>("cxButton1")->isEnabled());
+}
+
+void TestMainWindow::commandsOfLaterVersionsAreVisiblyDisabled()
+{
+    openWindow();
+    for (const char* name : {"cxButton3", "cxButton5", "cxButton6"})
+        QVERIFY2(!child<QPushButton>(name)->isEnabled(), name);
+    for (const char* name : {"dxBarButton4", "dxBarButton5"})
+        QVERIFY2(!child<QAction>(name)->isEnabled(), name);
+    for (const char* name : {"dxBarButton2", "dxBarButton3", "dxBarButton6", "dxBarButton7"}) {
+        auto* action = child<QAction>(name);
+        QVERIFY2(action->isEnabled(), name);
+        QCOMPARE(action->toolTip(), action->text());
+    }
+}
+
+QTEST_MAIN(TestMainWindow)
+#include "test_main_window.moc"
