@@ -229,11 +229,13 @@ QVariant SummaryModel::recordData(int record, int column, int role) const
     }
 }
 
+// While a long operation fills the table the rows shown are those of before it,
+// so a mark set then could land on another animal: it is refused.
 bool SummaryModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
     const int record = recordAt(index);
     if (role != Qt::CheckStateRole || index.column() != markColumn_ || record < 0 || record >= table_.recordCount() ||
-        table_.readOnly() || table_.state() != Table::State::Browse)
+        table_.readOnly() || table_.controlsDisabled() || table_.state() != Table::State::Browse)
         return false;
     table_.moveTo(record);
     table_.edit();
@@ -256,7 +258,7 @@ Qt::ItemFlags SummaryModel::flags(const QModelIndex& index) const
     if (isGroupRow(index))
         return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
-    if (index.column() == markColumn_ && !table_.readOnly())
+    if (index.column() == markColumn_ && !table_.readOnly() && !table_.controlsDisabled())
         flags |= Qt::ItemIsUserCheckable;
     return flags;
 }

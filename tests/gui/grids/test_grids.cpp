@@ -788,6 +788,8 @@ void TestGrids::silentWhileControlsAreDisabled()
     table.remove();
     tables_->MarkAnimalReviewed(table, QStringLiteral("X"), QStringLiteral("Opasy"));
     grid->repaint(); // painting while the table is ahead of the grid must be harmless
+    if (summaryGrid) // a mark set on the rows of before could land on another animal
+        QVERIFY(!model->setData(model->index(0, 0, model->index(0, 0)), Qt::Checked, Qt::CheckStateRole));
     QCOMPARE(seen.perRow(), 0);
     QCOMPARE(seen.resets.count(), 0);
 
