@@ -16,8 +16,8 @@ int TypicalCharacters(const QString& field)
         {QStringLiteral("TypUzytkowy"), 14},
         {QStringLiteral("KierunekUzytkowania"), 14},
         {QStringLiteral("GdzieRozpatrzono"), 28},
-        {QStringLiteral("GT"), 36},
-        {QStringLiteral("ZakresWieku"), 18},
+        {QStringLiteral("GT"), 31},
+        {QStringLiteral("ZakresWieku"), 17},
     };
     return widths.value(field, 6);
 }

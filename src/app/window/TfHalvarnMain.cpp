@@ -66,8 +66,9 @@ TfHalvarnMain::TfHalvarnMain(DataFolder folder, RegistryConfig registry, std::un
     auto* central = new QWidget(this);
     auto* layout = new QVBoxLayout(central);
     auto* inputs = new QHBoxLayout;
-    inputs->addWidget(buildLoginGroup(), 3);
-    inputs->addWidget(buildHalvarnGroup(), 2);
+    inputs->addWidget(buildLoginGroup());
+    inputs->addWidget(buildHalvarnGroup());
+    inputs->addStretch();
     layout->addLayout(inputs);
     layout->addWidget(buildErrorGroup());
     layout->addWidget(buildPages(), 1);
@@ -160,6 +161,7 @@ QGroupBox* TfHalvarnMain::buildLoginGroup()
 {
     auto* group = new QGroupBox(Text("Dane do logowania"), this);
     group->setObjectName(QStringLiteral("lcgLogowanie"));
+    group->setMinimumWidth(440);
     edUser = new QLineEdit(group);
     edUser->setObjectName(QStringLiteral("edUser"));
     edPassword = new QLineEdit(group);
@@ -200,6 +202,7 @@ QGroupBox* TfHalvarnMain::buildHalvarnGroup()
 {
     auto* group = new QGroupBox(Text("Dane do halvarnu"), this);
     group->setObjectName(QStringLiteral("lcgHalvarn"));
+    group->setMinimumWidth(440);
     edStanDanychNaDzien = new DateField(group);
     edStanDanychNaDzien->setObjectName(QStringLiteral("edStanDanychNaDzien"));
     edHalvarnNaDzien = new DateField(group);
@@ -254,7 +257,7 @@ QGroupBox* TfHalvarnMain::buildErrorGroup()
     mErrors = new QPlainTextEdit(lcErrors);
     mErrors->setObjectName(QStringLiteral("mErrors"));
     mErrors->setReadOnly(true);
-    mErrors->setMaximumHeight(90);
+    mErrors->setMaximumHeight(64);
     auto* layout = new QVBoxLayout(lcErrors);
     layout->addWidget(mErrors);
     return lcErrors;
@@ -289,6 +292,7 @@ QSplitter* HerdSplitter(QWidget* animals, TableGrid* groups, QWidget* parent)
     auto* splitter = new QSplitter(Qt::Horizontal, parent);
     splitter->addWidget(animals);
     auto* groupsBox = new QGroupBox(QStringLiteral("Grupy technologiczne"), splitter);
+    groupsBox->setMinimumWidth(520); // caption, range, count and extra count side by side
     auto* layout = new QVBoxLayout(groupsBox);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->addWidget(groups);
