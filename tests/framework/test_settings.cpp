@@ -1,3 +1,5 @@
+#include "support/Files.h"
+
 #include "analysis/AgeInMonths.h"
 #include "analysis/AgeLimits.h"
 #include "framework/DataFolder.h"
@@ -10,20 +12,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-namespace {
-QByteArray ReadAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void WriteAll(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-} // namespace
 
 class TestSettings : public QObject {
     Q_OBJECT

@@ -61,6 +61,9 @@ public Q_SLOTS:
     void cxButton2Click(); // "Czyszczenie danych"
     void cancelOperation();
 
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
 private:
     QWidget* buildCommandBar();
     QGroupBox* buildLoginGroup();

@@ -13,6 +13,7 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
@@ -88,6 +89,18 @@ void TfHalvarnMain::cancelOperation()
 {
     host_->requestCancel();
     cancelButton_->setEnabled(false);
+}
+
+// Closing while a command runs would pull the window from under it: the
+// command is asked to stop instead, and the window closes once it has.
+void TfHalvarnMain::closeEvent(QCloseEvent* event)
+{
+    if (!running_) {
+        QMainWindow::closeEvent(event);
+        return;
+    }
+    cancelOperation();
+    event->ignore();
 }
 
 void TfHalvarnMain::runExport(void (ExportCommands::*command)())

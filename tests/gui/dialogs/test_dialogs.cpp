@@ -1,3 +1,5 @@
+#include "support/Files.h"
+
 #include "app/dialogs/MonthEdit.h"
 #include "app/dialogs/TfAbout.h"
 #include "app/dialogs/TfGET_CO_EXP_WYDR.h"
@@ -27,19 +29,6 @@ namespace {
 QString Key(const char* name)
 {
     return QString::fromLatin1(name);
-}
-
-QByteArray ReadAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void WriteAll(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
 }
 
 // What the injected question, folder picker and error report of "Parametry" were asked.
@@ -212,7 +201,6 @@ private Q_SLOTS:
     void aboutShowsSupportAndVersion_data();
     void aboutShowsSupportAndVersion();
 
-    void screenshots();
 };
 
 void TestDialogs::firstStartShowsDefaults()
@@ -664,32 +652,6 @@ void TestDialogs::aboutShowsSupportAndVersion()
     QVERIFY2(texts.contains(support), qPrintable(texts.join(u'\n')));
     QVERIFY2(texts.filter(QStringLiteral("7.6.5.4")).size() == 1, qPrintable(texts.join(u'\n')));
     QCOMPARE(about.findChildren<QAbstractButton*>().size(), 1);
-}
-
-// With HALVARN_SCREENSHOTS=<folder>, saves pictures of the dialogs for a look by eye.
-void TestDialogs::screenshots()
-{
-    const QString folder = qEnvironmentVariable("HALVARN_SCREENSHOTS");
-    if (folder.isEmpty())
-        QSKIP("HALVARN_SCREENSHOTS not set");
-    QTemporaryDir dir;
-    ParamCalls calls;
-    const auto param = OpenParam(dir.filePath(QStringLiteral("HALVARN.INI")), calls,
-                                 QStringLiteral("C:\\Users\\rolnik\\AppData\\Roaming\\Halvarn\\EXPORT\\"));
-    TfGET_CO_EXP_WYDR herd;
-    TfGET_TUKU direction;
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0.0.0"));
-    TfAbout about(dir.filePath(QStringLiteral("HALVARN.INI")));
-    const std::pair<QWidget*, const char*> shots[] = {
-        {param.get(), "param.png"}, {&herd, "herd.png"}, {&direction, "direction.png"}, {&about, "about.png"}};
-    for (const auto& [widget, file] : shots) {
-        widget->show();
-        QVERIFY(QTest::qWaitForWindowExposed(widget));
-        QVERIFY(widget->grab().save(QDir(folder).filePath(QLatin1StringView(file))));
-    }
-    herd.findChild<QCheckBox*>(QStringLiteral("edOgolem"))->click();
-    ClickButton(herd, "btnOK");
-    QVERIFY(herd.grab().save(QDir(folder).filePath(QStringLiteral("herd-refused.png"))));
 }
 
 QTEST_MAIN(TestDialogs)

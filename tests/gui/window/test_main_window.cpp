@@ -1,3 +1,5 @@
+#include "support/Files.h"
+
 #include "app/grids/SummaryGrid.h"
 #include "app/grids/TableGrid.h"
 #include "app/session/HalvarnSession.h"
@@ -102,6 +104,7 @@ private Q_SLOTS:
     void downloadOverLoadedDataAsksFirst_data();
     void downloadOverLoadedDataAsksFirst();
     void markingAnAnimalRedrawsItsRow();
+    void cancelStopsDownloadWithConsistentTables_data();
     void cancelStopsDownloadWithConsistentTables();
     void summaryExportsFollowTheGridsDisplayOrder();
     void herdExportCancelledWritesNothing();
@@ -139,9 +142,7 @@ void TestMainWindow::openWindow(const SimOptions& sim)
 
 void TestMainWindow::writeFile(const QString& name, const QByteArray& bytes)
 {
-    QFile file(data_->filePath(name));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
+    WriteAll(data_->filePath(name), bytes);
 }
 
 int TestMainWindow::sumOf(Table& table, const char* field) const
@@ -337,8 +338,16 @@ void TestMainWindow::markingAnAnimalRedrawsItsRow()
     QVERIFY(!model->index(3, 1).data(Qt::FontRole).value<QFont>().bold());
 }
 
+void TestMainWindow::cancelStopsDownloadWithConsistentTables_data()
+{
+    QTest::addColumn<bool>("byClosing");
+    QTest::newRow("Przerwij") << false;
+    QTest::newRow("closing the window") << true;
+}
+
 void TestMainWindow::cancelStopsDownloadWithConsistentTables()
 {
+    QFETCH(bool, byClosing);
     SimOptions slow;
     slow.latencyMs = 20;
     openWindow(slow);
@@ -348,10 +357,14 @@ void TestMainWindow::cancelStopsDownloadWithConsistentTables()
         auto* cancel = child<QPushButton>("cxButtonPrzerwij");
         lockedWhileRunning = cancel->isVisible() && !child<QPushButton>("cxButton1")->isEnabled() &&
                              !child<QPushButton>("cxButton4")->isEnabled() && window_->operationRunning();
-        cancel->click();
+        if (byClosing)
+            window_->close();
+        else
+            cancel->click();
     });
     click("cxButton1");
     QVERIFY(lockedWhileRunning);
+    QVERIFY(window_->isVisible());
     QVERIFY(!child<QPushButton>("cxButtonPrzerwij")->isVisible());
     QVERIFY(child<QPushButton>("cxButton1")->isEnabled());
     const QString errors = child<QPlainTextEdit>("mErrors")->toPlainText();
