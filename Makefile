@@ -30,7 +30,9 @@ demo: build
 	$(BUILD)/src/cli/halvarn-cli download --demo --data-dir $(BUILD)/demo-data --export-dir $(BUILD)/demo-data/EXPORT
 
 bench: build
-	@for b in $(BUILD)/bench/bench_*; do echo "== $$b"; $$b || exit 1; done
+	@for b in $(BUILD)/bench/bench_* $(BUILD)/bench/window/bench_*; do \
+	  if [ -f $$b ] && [ -x $$b ]; then echo "== $$b"; QT_QPA_PLATFORM=offscreen $$b || exit 1; fi; \
+	done
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD)
