@@ -42,6 +42,14 @@ QString NotBuiltYet()
     return Text("Polecenie nie jest jeszcze dostępne w tej wersji programu");
 }
 
+// A new widget carrying its name, so that tests and tools find it.
+template <class Widget, class... Args> Widget* Named(const char* name, Args&&... args)
+{
+    auto* widget = new Widget(std::forward<Args>(args)...);
+    widget->setObjectName(QLatin1String(name));
+    return widget;
+}
+
 // The captions the herd tabs carry until a download names them.
 QString PlaceholderCaption(int slot)
 {
@@ -72,8 +80,7 @@ TfHalvarnMain::TfHalvarnMain(DataFolder folder, RegistryConfig registry, std::un
     layout->addLayout(inputs);
     layout->addWidget(buildErrorGroup());
     layout->addWidget(buildPages(), 1);
-    spareDate_ = new QDateEdit(central);
-    spareDate_->setObjectName(QStringLiteral("cxDateEdit1"));
+    spareDate_ = Named<QDateEdit>("cxDateEdit1", central);
     spareDate_->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
     spareDate_->hide();
     setCentralWidget(central);
@@ -105,8 +112,7 @@ TfHalvarnMain::~TfHalvarnMain()
 
 QWidget* TfHalvarnMain::buildCommandBar()
 {
-    auto* bar = new QToolBar(Text("Polecenia"), this);
-    bar->setObjectName(QStringLiteral("dxBarManager1Bar1"));
+    auto* bar = Named<QToolBar>("dxBarManager1Bar1", Text("Polecenia"), this);
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     addCommand(bar, "dxBarButton3", Text("Export rozczytanych zwierząt"), true);
@@ -114,14 +120,12 @@ QWidget* TfHalvarnMain::buildCommandBar()
     addCommand(bar, "dxBarButton4", Text("Wydruk rozczytanych zwierząt"), false);
     addCommand(bar, "dxBarButton5", Text("Wydruk grup technologicznych"), false);
 
-    auto* menu = new QMenu(Text("Ustawienia"), bar);
-    menu->setObjectName(QStringLiteral("dxBarSubItem1"));
+    auto* menu = Named<QMenu>("dxBarSubItem1", Text("Ustawienia"), bar);
     menu->setToolTipsVisible(true);
     addCommand(menu, "dxBarButton6", Text("Parametry"), true);
     menu->addSeparator();
     addCommand(menu, "dxBarButton7", Text("O programie"), true);
-    auto* settings = new QToolButton(bar);
-    settings->setObjectName(QStringLiteral("dxBarSubItem1Button"));
+    auto* settings = Named<QToolButton>("dxBarSubItem1Button", bar);
     settings->setText(Text("Ustawienia"));
     settings->setToolTip(Text("Ustawienia"));
     settings->setMenu(menu);
@@ -159,16 +163,12 @@ QPushButton* TfHalvarnMain::addButton(const char* name, const QString& caption, 
 
 QGroupBox* TfHalvarnMain::buildLoginGroup()
 {
-    auto* group = new QGroupBox(Text("Dane do logowania"), this);
-    group->setObjectName(QStringLiteral("lcgLogowanie"));
+    auto* group = Named<QGroupBox>("lcgLogowanie", Text("Dane do logowania"), this);
     group->setMinimumWidth(440);
-    edUser = new QLineEdit(group);
-    edUser->setObjectName(QStringLiteral("edUser"));
-    edPassword = new QLineEdit(group);
-    edPassword->setObjectName(QStringLiteral("edPassword"));
+    edUser = Named<QLineEdit>("edUser", group);
+    edPassword = Named<QLineEdit>("edPassword", group);
     edPassword->setEchoMode(QLineEdit::Password);
-    auto* reveal = new QToolButton(group);
-    reveal->setObjectName(QStringLiteral("edPasswordEllipsis"));
+    auto* reveal = Named<QToolButton>("edPasswordEllipsis", group);
     reveal->setText(QStringLiteral("…"));
     reveal->setToolTip(Text("Pokaż lub ukryj hasło"));
     connect(reveal, &QToolButton::clicked, this, [this] {
@@ -178,11 +178,9 @@ QGroupBox* TfHalvarnMain::buildLoginGroup()
     auto* password = new QHBoxLayout;
     password->addWidget(edPassword, 1);
     password->addWidget(reveal);
-    edNumerProducenta = new QLineEdit(group);
-    edNumerProducenta->setObjectName(QStringLiteral("edNumerProducenta"));
+    edNumerProducenta = Named<QLineEdit>("edNumerProducenta", group);
     edNumerProducenta->setMaxLength(9);
-    edNazwa = new QLineEdit(group);
-    edNazwa->setObjectName(QStringLiteral("edNazwa"));
+    edNazwa = Named<QLineEdit>("edNazwa", group);
     // The name belongs to the number it came with.
     connect(edNumerProducenta, &QLineEdit::textChanged, edNazwa, &QLineEdit::clear);
 
@@ -200,22 +198,15 @@ QGroupBox* TfHalvarnMain::buildLoginGroup()
 
 QGroupBox* TfHalvarnMain::buildHalvarnGroup()
 {
-    auto* group = new QGroupBox(Text("Dane do halvarnu"), this);
-    group->setObjectName(QStringLiteral("lcgHalvarn"));
+    auto* group = Named<QGroupBox>("lcgHalvarn", Text("Dane do halvarnu"), this);
     group->setMinimumWidth(440);
-    edStanDanychNaDzien = new DateField(group);
-    edStanDanychNaDzien->setObjectName(QStringLiteral("edStanDanychNaDzien"));
-    edHalvarnNaDzien = new DateField(group);
-    edHalvarnNaDzien->setObjectName(QStringLiteral("edHalvarnNaDzien"));
+    edStanDanychNaDzien = Named<DateField>("edStanDanychNaDzien", group);
+    edHalvarnNaDzien = Named<DateField>("edHalvarnNaDzien", group);
 
-    auto* kinds = new QGroupBox(QStringLiteral("Halvarn"), group);
-    kinds->setObjectName(QStringLiteral("lcgHalvarnRodzaje"));
-    edHalvOpasow = new QCheckBox(Text("opasów"), kinds);
-    edHalvOpasow->setObjectName(QStringLiteral("edHalvOpasow"));
-    edHalvKrowMamek = new QCheckBox(Text("krów mamek"), kinds);
-    edHalvKrowMamek->setObjectName(QStringLiteral("edHalvKrowMamek"));
-    edHalvKrow = new QCheckBox(Text("krów mlecznych"), kinds);
-    edHalvKrow->setObjectName(QStringLiteral("edHalvKrow"));
+    auto* kinds = Named<QGroupBox>("lcgHalvarnRodzaje", QStringLiteral("Halvarn"), group);
+    edHalvOpasow = Named<QCheckBox>("edHalvOpasow", Text("opasów"), kinds);
+    edHalvKrowMamek = Named<QCheckBox>("edHalvKrowMamek", Text("krów mamek"), kinds);
+    edHalvKrow = Named<QCheckBox>("edHalvKrow", Text("krów mlecznych"), kinds);
     auto* ticks = new QHBoxLayout;
     for (QCheckBox* box : {edHalvOpasow, edHalvKrowMamek, edHalvKrow}) {
         box->setChecked(true);
@@ -228,8 +219,7 @@ QGroupBox* TfHalvarnMain::buildHalvarnGroup()
     download->setDefault(true);
     auto* clear = addButton("cxButton2", Text("Czyszczenie danych"), true);
     clear->setIcon(style()->standardIcon(QStyle::SP_DialogResetButton));
-    cancelButton_ = new QPushButton(Text("Przerwij"), kinds);
-    cancelButton_->setObjectName(QStringLiteral("cxButtonPrzerwij"));
+    cancelButton_ = Named<QPushButton>("cxButtonPrzerwij", Text("Przerwij"), kinds);
     cancelButton_->setIcon(style()->standardIcon(QStyle::SP_BrowserStop));
     cancelButton_->hide();
     auto* buttons = new QHBoxLayout;
@@ -252,10 +242,8 @@ QGroupBox* TfHalvarnMain::buildHalvarnGroup()
 
 QGroupBox* TfHalvarnMain::buildErrorGroup()
 {
-    lcErrors = new QGroupBox(Text("Błąd"), this);
-    lcErrors->setObjectName(QStringLiteral("lcErrors"));
-    mErrors = new QPlainTextEdit(lcErrors);
-    mErrors->setObjectName(QStringLiteral("mErrors"));
+    lcErrors = Named<QGroupBox>("lcErrors", Text("Błąd"), this);
+    mErrors = Named<QPlainTextEdit>("mErrors", lcErrors);
     mErrors->setReadOnly(true);
     mErrors->setMaximumHeight(64);
     auto* layout = new QVBoxLayout(lcErrors);
@@ -265,18 +253,15 @@ QGroupBox* TfHalvarnMain::buildErrorGroup()
 
 QTabWidget* TfHalvarnMain::buildPages()
 {
-    pages_ = new QTabWidget(this);
-    pages_->setObjectName(QStringLiteral("cxPageControl1"));
+    pages_ = Named<QTabWidget>("cxPageControl1", this);
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
         QWidget* page = slot == 0 ? buildSummaryPage() : buildHerdPage(slot);
         page->setObjectName(QStringLiteral("tsStado") + SlotSuffix(slot));
         slotViews_[static_cast<std::size_t>(slot)].TabSheet = page;
         pages_->addTab(page, PlaceholderCaption(slot));
     }
-    tsPobraneDane = new QWidget(pages_);
-    tsPobraneDane->setObjectName(QStringLiteral("tsPobraneDane"));
-    mLoaded = new QPlainTextEdit(tsPobraneDane);
-    mLoaded->setObjectName(QStringLiteral("mLoaded"));
+    tsPobraneDane = Named<QWidget>("tsPobraneDane", pages_);
+    mLoaded = Named<QPlainTextEdit>("mLoaded", tsPobraneDane);
     mLoaded->setReadOnly(true);
     mLoaded->setLineWrapMode(QPlainTextEdit::NoWrap);
     auto* layout = new QVBoxLayout(tsPobraneDane);
@@ -307,10 +292,8 @@ QWidget* TfHalvarnMain::buildSummaryPage()
 {
     auto* page = new QWidget(this);
     WorkingTables& tables = session_->tables();
-    summaryGrid_ = new SummaryGrid(tables.mdRZ00(), page);
-    summaryGrid_->setObjectName(QStringLiteral("gridRZ00"));
-    auto* groups = new TableGrid(tables.mdGT00(), GridKind::Groups, page);
-    groups->setObjectName(QStringLiteral("gridTG00"));
+    summaryGrid_ = Named<SummaryGrid>("gridRZ00", tables.mdRZ00(), page);
+    auto* groups = Named<TableGrid>("gridTG00", tables.mdGT00(), GridKind::Groups, page);
     slotViews_[0].AnimalsGrid = summaryGrid_;
     slotViews_[0].GroupsGrid = groups;
 
@@ -326,8 +309,7 @@ QWidget* TfHalvarnMain::buildSummaryPage()
 
 QWidget* TfHalvarnMain::buildSummaryButtons()
 {
-    auto* panel = new QWidget(this);
-    panel->setObjectName(QStringLiteral("pnlSummaryButtons"));
+    auto* panel = Named<QWidget>("pnlSummaryButtons", this);
     auto* layout = new QHBoxLayout(panel);
     layout->setContentsMargins(0, 1, 0, 1);
     layout->setSpacing(0);
@@ -365,8 +347,7 @@ void TfHalvarnMain::buildStatusBar()
 {
     status_ = new StatusDisplay(this);
     setStatusBar(status_);
-    timer1_ = new QTimer(this);
-    timer1_->setObjectName(QStringLiteral("Timer1"));
+    timer1_ = Named<QTimer>("Timer1", this);
     timer1_->setInterval(1000);
     connect(timer1_, &QTimer::timeout, this, &TfHalvarnMain::timerTick);
 }

@@ -39,8 +39,8 @@ const Code ToMeat{"MI", "Mięsny"}, ToMilk{"ML", "Mleczny"}, Fattening{"OP", "Do
 const Code Holstein{"HO", "Holsztyńsko-fryzyjska"}, RedPolish{"PC", "Polska czerwona"}, Simmental{"SM", "Simentalska"};
 const Code BeefBreeds[] = {{"LM", "Limousine"}, {"CH", "Charolaise"}, {"MM", "Mieszaniec mięsny"}};
 
-struct AnimalSpec {
-    AnimalSpec(Code sex, Code useType, Code direction, Code breed, int ageMonths, bool mother = false,
+struct AnimalProfile {
+    AnimalProfile(Code sex, Code useType, Code direction, Code breed, int ageMonths, bool mother = false,
                QString motherTag = {})
         : sex(sex), useType(useType), direction(direction), breed(breed), ageMonths(ageMonths), mother(mother),
           motherTag(std::move(motherTag))
@@ -59,11 +59,11 @@ public:
     {
     }
 
-    QString add(const AnimalSpec& spec, bool withBirthDate = true)
+    QString add(const AnimalProfile& profile, bool withBirthDate = true)
     {
         const QString tag = QStringLiteral("PL%1").arg(5000000000LL + ++tagCounter_ * 7, 12, 10, QLatin1Char('0'));
         // Ages count whole months plus one, so an animal of A months is (A - 1) months and some days old.
-        const int days = spec.ageMonths == 0 ? 0 : static_cast<int>((spec.ageMonths - 1) * 30.4375) + random_.between(1, 29);
+        const int days = profile.ageMonths == 0 ? 0 : static_cast<int>((profile.ageMonths - 1) * 30.4375) + random_.between(1, 29);
         const QDate birth = options_.referenceDate.addDays(-days);
         QJsonObject animal{
             {QStringLiteral("numerIdentyfikacyjnyZwierzecia"), tag},
@@ -71,20 +71,20 @@ public:
             {QStringLiteral("dataPrzybyciaDoDzialalnosci"), Date(birth.addDays(random_.between(0, 3)))},
             {QStringLiteral("numerDzialalnosci"), holding_},
             {QStringLiteral("sposobOznakowania"), QStringLiteral("KOL")},
-            {QStringLiteral("czyMatka"), spec.mother},
-            {QStringLiteral("masaCialaZwierzecia"), 40 + spec.ageMonths * 22},
+            {QStringLiteral("czyMatka"), profile.mother},
+            {QStringLiteral("masaCialaZwierzecia"), 40 + profile.ageMonths * 22},
             {QStringLiteral("gatunek"), QJsonObject{{QStringLiteral("kod"), QStringLiteral("BYD")},
                                                     {QStringLiteral("opis"), QStringLiteral("Bydło")}}},
-            {QStringLiteral("kodRasy"), Pair(spec.breed)},
-            {QStringLiteral("plec"), Pair(spec.sex)},
-            {QStringLiteral("typUzytkowy"), Pair(spec.useType)},
-            {QStringLiteral("kierunekUzytkownia"), Pair(spec.direction)},
+            {QStringLiteral("kodRasy"), Pair(profile.breed)},
+            {QStringLiteral("plec"), Pair(profile.sex)},
+            {QStringLiteral("typUzytkowy"), Pair(profile.useType)},
+            {QStringLiteral("kierunekUzytkownia"), Pair(profile.direction)},
             {QStringLiteral("srodkiIdentyfikacji"), EarTags(birth)},
         };
         if (withBirthDate)
             animal.insert(QStringLiteral("dataUrodzenia"), Date(birth));
-        if (!spec.motherTag.isEmpty())
-            animal.insert(QStringLiteral("numerIdentyfikacyjnyMatki"), spec.motherTag);
+        if (!profile.motherTag.isEmpty())
+            animal.insert(QStringLiteral("numerIdentyfikacyjnyMatki"), profile.motherTag);
         animals.push_back(animal);
         return tag;
     }
