@@ -11,52 +11,38 @@ GridColumn Column(const char* field, const char* caption, Qt::Alignment alignmen
     return {QStringLiteral("cl") + name, name, QString::fromUtf8(caption), alignment};
 }
 
-GridColumn Stado()
+// Every column an animal grid can show; the grids pick theirs by field, in their own order.
+GridColumn AnimalColumn(const QString& field)
 {
-    return Column("STADO", "Stado");
+    static const std::vector<GridColumn> columns{
+        Column("ZAZNACZONE", "Z", Centre),
+        Column("STADO", "Stado"),
+        Column("NumerIdentyfikacyjny", "Numer identyfikacyjny"),
+        Column("Plec", "Plec"),
+        Column("DataUrodzenia", "Data urodzenia"),
+        Column("Wiek", "Wiek", Right),
+        Column("TypUzytkowy", "Typ uzytkowy"),
+        Column("KierunekUzytkowania", "Kierunek uzytkowania"),
+        Column("Rozpatrzono", "Rozpatrzono", Centre),
+        Column("GdzieRozpatrzono", "Gdzie rozpatrzono"),
+        Column("CzyMatka", "Czy matka", Right),
+    };
+    return columns[static_cast<std::size_t>(ColumnOfField(columns, field))];
 }
-GridColumn Numer()
+
+std::vector<GridColumn> AnimalColumns(std::initializer_list<const char*> fields)
 {
-    return Column("NumerIdentyfikacyjny", "Numer identyfikacyjny");
-}
-GridColumn Plec()
-{
-    return Column("Plec", "Plec");
-}
-GridColumn DataUrodzenia()
-{
-    return Column("DataUrodzenia", "Data urodzenia");
-}
-GridColumn Wiek()
-{
-    return Column("Wiek", "Wiek", Right);
-}
-GridColumn TypUzytkowy()
-{
-    return Column("TypUzytkowy", "Typ uzytkowy");
-}
-GridColumn KierunekUzytkowania()
-{
-    return Column("KierunekUzytkowania", "Kierunek uzytkowania");
-}
-GridColumn Rozpatrzono()
-{
-    return Column("Rozpatrzono", "Rozpatrzono", Centre);
-}
-GridColumn GdzieRozpatrzono()
-{
-    return Column("GdzieRozpatrzono", "Gdzie rozpatrzono");
-}
-GridColumn CzyMatka()
-{
-    return Column("CzyMatka", "Czy matka", Right);
+    std::vector<GridColumn> columns;
+    for (const char* field : fields)
+        columns.push_back(AnimalColumn(QString::fromLatin1(field)));
+    return columns;
 }
 } // namespace
 
 std::vector<GridColumn> HerdAnimalColumns()
 {
-    return {Numer(),       Plec(),     DataUrodzenia(),   Wiek(), TypUzytkowy(), KierunekUzytkowania(),
-            Rozpatrzono(), CzyMatka(), GdzieRozpatrzono()};
+    return AnimalColumns({"NumerIdentyfikacyjny", "Plec", "DataUrodzenia", "Wiek", "TypUzytkowy",
+                          "KierunekUzytkowania", "Rozpatrzono", "CzyMatka", "GdzieRozpatrzono"});
 }
 
 std::vector<GridColumn> GroupColumns()
@@ -67,17 +53,8 @@ std::vector<GridColumn> GroupColumns()
 
 std::vector<GridColumn> SummaryColumns()
 {
-    return {Column("ZAZNACZONE", "Z", Centre),
-            Stado(),
-            Numer(),
-            Plec(),
-            DataUrodzenia(),
-            Wiek(),
-            TypUzytkowy(),
-            KierunekUzytkowania(),
-            Rozpatrzono(),
-            GdzieRozpatrzono(),
-            CzyMatka()};
+    return AnimalColumns({"ZAZNACZONE", "STADO", "NumerIdentyfikacyjny", "Plec", "DataUrodzenia", "Wiek",
+                          "TypUzytkowy", "KierunekUzytkowania", "Rozpatrzono", "GdzieRozpatrzono", "CzyMatka"});
 }
 
 std::vector<GridColumn> ColumnsFor(GridKind kind)

@@ -1,7 +1,5 @@
 #include "app/window/TfHalvarnMain.h"
 
-#include "app/dialogs/TfAbout.h"
-#include "app/dialogs/TfGET_PARAM.h"
 #include "app/grids/SummaryGrid.h"
 #include "app/grids/TableGrid.h"
 #include "app/session/HalvarnSession.h"
@@ -9,9 +7,7 @@
 #include "app/window/StatusDisplay.h"
 #include "app/window/UserDialogs.h"
 #include "app/window/WindowHost.h"
-#include "export/ExportCommands.h"
 #include "registry/client/TdmIRZ_PLUS.h"
-#include "registry/download/DownloadCommand.h"
 
 #include <QAction>
 #include <QCheckBox>
