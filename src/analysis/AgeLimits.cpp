@@ -45,12 +45,61 @@ AgeLimits AgeLimits::defaults()
     return limits;
 }
 
-AgeLimits AgeLimits::read(const IniFile& ini)
+namespace {
+constexpr int MostMonths = 600;
+
+// The classes whose lower and upper bounds both have a key.
+constexpr std::array<std::pair<AgeLimit, AgeLimit>, 4> BoundedClasses{{
+    {AgeLimit::BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Od, AgeLimit::BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Do},
+    {AgeLimit::CieletaGrp_Od_150KG_Do_220KG_Wiek_Od, AgeLimit::CieletaGrp_Od_150KG_Do_220KG_Wiek_Do},
+    {AgeLimit::HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Od,
+     AgeLimit::HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do},
+    {AgeLimit::HalvOpasowGrp_Od_150KG_Do_220KG_Wiek_Od, AgeLimit::HalvOpasowGrp_Od_150KG_Do_220KG_Wiek_Do},
+}};
+
+const AgeLimitKey& KeyOf(AgeLimit limit)
+{
+    return AgeLimitKeys()[static_cast<std::size_t>(limit)];
+}
+} // namespace
+
+AgeLimits AgeLimits::read(const IniFile& ini, QStringList* problems)
+{
+    QStringList found;
+    AgeLimits limits;
+    for (const AgeLimitKey& k : AgeLimitKeys())
+        limits.set(k.limit, ini.readInteger(AgeLimitsSection(), QString::fromLatin1(k.key), k.defaultValue,
+                                            {0, MostMonths}, found));
+    limits.resetInvertedRanges(found);
+    if (problems)
+        problems->append(found);
+    return limits;
+}
+
+AgeLimits AgeLimits::readAsWritten(const IniFile& ini)
 {
     AgeLimits limits;
     for (const AgeLimitKey& k : AgeLimitKeys())
         limits.set(k.limit, ini.readInteger(AgeLimitsSection(), QString::fromLatin1(k.key), k.defaultValue));
     return limits;
+}
+
+void AgeLimits::resetInvertedRanges(QStringList& problems)
+{
+    for (const auto& [lower, upper] : BoundedClasses) {
+        if ((*this)[lower] <= (*this)[upper])
+            continue;
+        problems.append(QStringLiteral("Niepoprawny przedział wieku w ustawieniach: [%1] %2=%3 jest większe niż %4=%5; "
+                                       "użyto %6 i %7")
+                            .arg(AgeLimitsSection(), QLatin1String(KeyOf(lower).key))
+                            .arg((*this)[lower])
+                            .arg(QLatin1String(KeyOf(upper).key))
+                            .arg((*this)[upper])
+                            .arg(KeyOf(lower).defaultValue)
+                            .arg(KeyOf(upper).defaultValue));
+        set(lower, KeyOf(lower).defaultValue);
+        set(upper, KeyOf(upper).defaultValue);
+    }
 }
 
 void AgeLimits::write(IniFile& ini) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <array>
 
@@ -45,12 +46,19 @@ QString AgeLimitsSection(); // "WIEK"
 class AgeLimits {
 public:
     static AgeLimits defaults();
-    static AgeLimits read(const IniFile& ini); // a missing key gives its default
+    // A missing key gives its default; so does a value that is not a whole
+    // number of 0..600 months, and both bounds of a class whose lower bound
+    // exceeds its upper one, each with a line in problems.
+    static AgeLimits read(const IniFile& ini, QStringList* problems = nullptr);
+    // The values as the file holds them, refused ones too, for the user to see and correct.
+    static AgeLimits readAsWritten(const IniFile& ini);
     void write(IniFile& ini) const;
 
     int operator[](AgeLimit limit) const { return values_[static_cast<std::size_t>(limit)]; }
     void set(AgeLimit limit, int value) { values_[static_cast<std::size_t>(limit)] = value; }
 
 private:
+    void resetInvertedRanges(QStringList& problems);
+
     std::array<int, AgeLimitCount> values_{};
 };

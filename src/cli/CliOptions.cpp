@@ -4,6 +4,8 @@
 #include "registry/sim/RegistrySimulator.h"
 
 #include <QCommandLineParser>
+#include <QRegularExpression>
+#include <QTextStream>
 
 namespace {
 QCommandLineOption Value(const char* name, const char* description, const char* valueName)
@@ -11,12 +13,19 @@ QCommandLineOption Value(const char* name, const char* description, const char* 
     return {QString::fromLatin1(name), QString::fromUtf8(description), QString::fromLatin1(valueName)};
 }
 
-bool ParseDate(const QString& text, QDate& date, QString& error)
+bool ParseDate(const QString& option, const QString& text, QDate& date, QString& error)
 {
     date = QDate::fromString(text, u"yyyy-MM-dd");
-    if (!date.isValid())
-        error = QStringLiteral("Niepoprawna data: %1 (oczekiwano RRRR-MM-DD)").arg(text);
-    return date.isValid();
+    if (!date.isValid()) {
+        error = QStringLiteral("Niepoprawna data --%1: %2 (oczekiwano RRRR-MM-DD)").arg(option, text);
+        return false;
+    }
+    // Day counts of the tables start at 30 December 1899; earlier days are typing errors.
+    if (date < QDate(1900, 1, 1)) {
+        error = QString::fromUtf8("Data --%1 nie może być wcześniejsza niż 1900-01-01: %2").arg(option, text);
+        return false;
+    }
+    return true;
 }
 
 bool ParseKinds(const QString& text, WelfareFlags& flags, QString& error)
@@ -37,16 +46,65 @@ bool ParseKinds(const QString& text, WelfareFlags& flags, QString& error)
     return true;
 }
 
-bool ParsePositive(const QString& text, std::optional<int>& value, QString& error)
+bool ParseCount(const QString& option, const QString& text, int highest, std::optional<int>& value, QString& error)
 {
     bool ok = false;
     const int number = text.toInt(&ok);
-    if (!ok || number < 1) {
-        error = QStringLiteral("Niepoprawna liczba: %1").arg(text);
+    if (!ok || number < 1 || number > highest) {
+        error = QString::fromUtf8("Niepoprawna wartość --%1: %2 (dozwolone od 1 do %3)").arg(option, text).arg(highest);
         return false;
     }
     value = number;
     return true;
+}
+
+bool CheckProducerNumber(const QString& number, QString& error)
+{
+    static const QRegularExpression nineDigits(QStringLiteral("^[0-9]{9}$"));
+    if (nineDigits.match(number).hasMatch())
+        return true;
+    error = QString::fromUtf8("Numer producenta (--producer) musi mieć dokładnie 9 cyfr, bez PL: %1").arg(number);
+    return false;
+}
+
+// "--password -" takes the first line of standard input, so that the password
+// shows neither in the process list nor in the shell's history; without the
+// option the environment's HALVARN_PASSWORD is used.
+bool ReadPassword(const QCommandLineParser& parser, QString& password, QString& error)
+{
+    if (!parser.isSet(QStringLiteral("password"))) {
+        password = qEnvironmentVariable("HALVARN_PASSWORD");
+        return true;
+    }
+    password = parser.value(QStringLiteral("password"));
+    if (password != u"-")
+        return true;
+    password = QTextStream(stdin).readLine();
+    if (password.isNull())
+        error = QString::fromUtf8("Brak hasła na standardowym wejściu (--password -)");
+    return !password.isNull();
+}
+
+// The password is read last, so that a refused command line leaves standard input unread.
+bool ReadCheckedValues(const QCommandLineParser& parser, CliOptions& options, QString& error)
+{
+    SessionInputs& inputs = options.inputs;
+    inputs.stateDate = inputs.referenceDate = QDate::currentDate();
+    const auto optionalDate = [&](const char* name, QDate& date) {
+        const QString option = QLatin1String(name);
+        return !parser.isSet(option) || ParseDate(option, parser.value(option), date, error);
+    };
+    const auto optionalCount = [&](const char* name, int highest, std::optional<int>& value) {
+        const QString option = QLatin1String(name);
+        return !parser.isSet(option) || ParseCount(option, parser.value(option), highest, value, error);
+    };
+    const auto isSet = [&](const char* name) { return parser.isSet(QLatin1String(name)); };
+    return optionalDate("state-date", inputs.stateDate) && optionalDate("reference-date", inputs.referenceDate) &&
+           (!isSet("kinds") || ParseKinds(parser.value(QStringLiteral("kinds")), inputs.flags, error)) &&
+           optionalCount("parallel", 64, options.parallel) &&
+           optionalCount("timeout-seconds", 3600, options.timeoutSeconds) &&
+           (!isSet("producer") || CheckProducerNumber(inputs.producerNumber, error)) &&
+           ReadPassword(parser, inputs.password, error);
 }
 } // namespace
 
@@ -58,16 +116,17 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
     parser.addPositionalArgument(QStringLiteral("download"), QString::fromUtf8("pobierz dane producenta"));
     parser.addOptions({
         Value("login", "login do rejestru", "L"),
-        Value("password", "hasło do rejestru", "P"),
-        Value("producer", "numer producenta (bez PL)", "N"),
+        Value("password", "hasło do rejestru; \"-\" czyta je ze standardowego wejścia "
+                          "(domyślnie zmienna środowiska HALVARN_PASSWORD)", "P"),
+        Value("producer", "numer producenta, 9 cyfr (bez PL)", "N"),
         Value("name", "nazwa producenta", "TEXT"),
         Value("state-date", "stan zwierząt na dzień (domyślnie dziś)", "YYYY-MM-DD"),
         Value("reference-date", "Halvarn na dzień (domyślnie dziś)", "YYYY-MM-DD"),
         Value("kinds", "rodzaje: mamki,opasy,mleczne (domyślnie wszystkie)", "LIST"),
         Value("sso-base", "adres serwera logowania", "URL"),
         Value("api-base", "adres rejestru", "URL"),
-        Value("parallel", "liczba równoczesnych zapytań o zwierzęta", "K"),
-        Value("timeout-seconds", "czas oczekiwania na odpowiedź", "S"),
+        Value("parallel", "liczba równoczesnych zapytań o zwierzęta (1–64)", "K"),
+        Value("timeout-seconds", "czas oczekiwania na odpowiedź w sekundach (1–3600)", "S"),
         Value("data-dir", "folder danych programu", "DIR"),
         Value("dump-json", "zapisz stan tabel do pliku JSON", "FILE"),
         Value("export-dir", "zapisz eksporty do folderu", "DIR"),
@@ -83,7 +142,6 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
         return false;
     }
     inputs.login = parser.value(QStringLiteral("login"));
-    inputs.password = parser.value(QStringLiteral("password"));
     inputs.producerNumber = parser.value(QStringLiteral("producer"));
     inputs.producerName = parser.value(QStringLiteral("name"));
     dataDir = parser.value(QStringLiteral("data-dir"));
@@ -95,16 +153,7 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
         ssoBase = parser.value(QStringLiteral("sso-base"));
     if (parser.isSet(QStringLiteral("api-base")))
         apiBase = parser.value(QStringLiteral("api-base"));
-    inputs.stateDate = inputs.referenceDate = QDate::currentDate();
-    const auto optionalDate = [&](const char* name, QDate& date) {
-        return !parser.isSet(QLatin1String(name)) || ParseDate(parser.value(QLatin1String(name)), date, error);
-    };
-    const auto optionalNumber = [&](const char* name, std::optional<int>& value) {
-        return !parser.isSet(QLatin1String(name)) || ParsePositive(parser.value(QLatin1String(name)), value, error);
-    };
-    return optionalDate("state-date", inputs.stateDate) && optionalDate("reference-date", inputs.referenceDate) &&
-           (!parser.isSet(QStringLiteral("kinds")) || ParseKinds(parser.value(QStringLiteral("kinds")), inputs.flags, error)) &&
-           optionalNumber("parallel", parallel) && optionalNumber("timeout-seconds", timeoutSeconds);
+    return ReadCheckedValues(parser, *this, error);
 }
 
 void CliOptions::applyTo(RegistryConfig& config) const

@@ -17,10 +17,22 @@
 #include <memory>
 
 namespace {
-enum ExitCode { Completed = 0, StoppedEarly = 1, BadArguments = 2 };
+enum ExitCode { Completed = 0, StoppedEarly = 1, BadArguments = 2, Incomplete = 3 };
+
+bool RanToItsEnd(DownloadOutcome outcome)
+{
+    return outcome == DownloadOutcome::Completed || outcome == DownloadOutcome::Incomplete;
+}
+
+int ExitCodeFor(DownloadOutcome outcome, bool exportsFailed)
+{
+    if (!RanToItsEnd(outcome) || exportsFailed)
+        return StoppedEarly;
+    return outcome == DownloadOutcome::Completed ? Completed : Incomplete;
+}
 
 // The animals and groups of every herd as workbooks and all summary rows as
-// text, named as the window names them.
+// text, named as the window names them; every file written is listed on stderr.
 bool WriteExports(HalvarnSession& session, CliHost& host, const QString& folder)
 {
     if (!QDir().mkpath(folder)) {
@@ -30,15 +42,40 @@ bool WriteExports(HalvarnSession& session, CliHost& host, const QString& folder)
     }
     host.setSummaryRowCount(session.tables().mdRZ00().recordCount());
     ExportCommands exports(session, folder, folder);
+    const auto listed = [](bool written, const QString& path) {
+        if (written)
+            QTextStream(stderr) << path << Qt::endl;
+        return written;
+    };
     QString path;
-    bool written = true;
-    for (const auto write : {&ExportCommands::writeHerdAnimals, &ExportCommands::writeHerdGroups}) {
-        written = (exports.*write)(QStringLiteral("ALL"), path) && written;
-        QTextStream(stderr) << path << Qt::endl;
+    bool written = listed(exports.writeHerdAnimals(QStringLiteral("ALL"), path), path);
+    written = listed(exports.writeHerdGroups(QStringLiteral("ALL"), path), path) && written;
+    return listed(exports.writeSummaryCsv(path), path) && written;
+}
+
+// Exports follow only a download that ran to its end, so a stopped one leaves
+// the files of an earlier run as they were. A failed export still leaves the
+// dump, with the export's message in it.
+bool ExportsFailed(DownloadOutcome outcome, const CliOptions& options, HalvarnSession& session, CliHost& host)
+{
+    if (options.exportDir.isEmpty())
+        return false;
+    if (!RanToItsEnd(outcome)) {
+        QTextStream(stderr) << QString::fromUtf8("Eksport pominięty: pobieranie nie dobiegło końca") << Qt::endl;
+        return false;
     }
-    written = exports.writeSummaryCsv(path) && written;
-    QTextStream(stderr) << path << Qt::endl;
-    return written;
+    return !WriteExports(session, host, options.exportDir);
+}
+
+bool WriteDump(const QString& path, HalvarnSession& session, const CliHost& host)
+{
+    try {
+        WriteFileAtomically(path, DumpSessionJson(session, host.messages()));
+        return true;
+    } catch (const FileWriteError& error) {
+        QTextStream(stderr) << error.message() << Qt::endl;
+        return false;
+    }
 }
 
 int RunDownload(const CliOptions& options)
@@ -70,17 +107,10 @@ int RunDownload(const CliOptions& options)
     const DownloadOutcome outcome = DownloadCommand(session, registry).run();
 
     QTextStream(stdout) << GroupReport(session);
-    // A failed export still leaves the dump, with the export's message in it.
-    const bool exported = options.exportDir.isEmpty() || WriteExports(session, host, options.exportDir);
-    if (!options.dumpJson.isEmpty()) {
-        try {
-            WriteFileAtomically(options.dumpJson, DumpSessionJson(session, host.messages()));
-        } catch (const FileWriteError& error) {
-            err << error.message() << Qt::endl;
-            return StoppedEarly;
-        }
-    }
-    return outcome == DownloadOutcome::Completed && exported ? Completed : StoppedEarly;
+    const bool exportsFailed = ExportsFailed(outcome, options, session, host);
+    if (!options.dumpJson.isEmpty() && !WriteDump(options.dumpJson, session, host))
+        return StoppedEarly;
+    return ExitCodeFor(outcome, exportsFailed);
 }
 } // namespace
 

@@ -25,7 +25,9 @@ void IniFile::load()
     QFile file(path_);
     if (!file.open(QIODevice::ReadOnly))
         return;
-    const QString text = FromCp1250(file.readAll());
+    const QByteArray bytes = file.readAll();
+    const QByteArray utf8Mark("\xEF\xBB\xBF");
+    const QString text = bytes.startsWith(utf8Mark) ? QString::fromUtf8(bytes.mid(utf8Mark.size())) : FromCp1250(bytes);
     for (QStringView raw : QStringView(text).split(u'\n')) {
         const QStringView line = raw.trimmed();
         if (line.startsWith(u'[') && line.endsWith(u']')) {
@@ -90,6 +92,25 @@ int IniFile::readInteger(const QString& section, const QString& key, int default
     bool ok = false;
     const int value = readString(section, key, QString()).toInt(&ok);
     return ok ? value : defaultValue;
+}
+
+int IniFile::readInteger(const QString& section, const QString& key, int defaultValue, Range range,
+                         QStringList& problems) const
+{
+    const QString* line = findValue(section, key);
+    if (!line)
+        return defaultValue;
+    const QString text = readString(section, key, QString());
+    bool ok = false;
+    const int value = text.toInt(&ok);
+    if (ok && value >= range.least && value <= range.most)
+        return value;
+    problems.append(QStringLiteral("Niepoprawna wartość w ustawieniach: [%1] %2=%3 (dozwolone %4..%5); użyto %6")
+                        .arg(section, key, text)
+                        .arg(range.least)
+                        .arg(range.most)
+                        .arg(defaultValue));
+    return defaultValue;
 }
 
 bool IniFile::readBool(const QString& section, const QString& key, bool defaultValue) const

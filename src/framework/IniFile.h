@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
 // An initialisation file in Windows-1250: sections in brackets, key=value lines.
+// A file that starts with a UTF-8 byte-order mark is read as UTF-8.
 // Names compare without regard to case. Every write saves the file at once
 // (CRLF line ends); a missing file or key gives the default, and a line that is
 // neither a section, a key nor a comment is skipped but kept.
@@ -16,6 +18,14 @@ public:
 
     bool readBool(const QString& section, const QString& key, bool defaultValue) const;
     int readInteger(const QString& section, const QString& key, int defaultValue) const;
+    // A value that is not a whole number within the range gives the default and
+    // a line for the user naming the key and the value.
+    struct Range {
+        int least;
+        int most;
+    };
+    int readInteger(const QString& section, const QString& key, int defaultValue, Range range,
+                    QStringList& problems) const;
     QString readString(const QString& section, const QString& key, const QString& defaultValue) const;
 
     void writeInteger(const QString& section, const QString& key, int value);

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """The command line as scripts outside the project call it: exit codes, the
-shape of --dump-json, the files of --export-dir, and what a failure leaves.
+shape of --dump-json, the files of --export-dir, what a failure leaves, where
+the password comes from; and the simulator's own command line.
 
-usage: cli_checks.py HALVARN_CLI
+usage: cli_checks.py HALVARN_CLI HALVARN_REGISTRY_SIM
 """
 import datetime as dt
 import json
@@ -21,10 +22,17 @@ TITLE = ("LP;NrProducenta;Rasa;Płeć;NrZwierzęcia;Grupatechnologiczna;DataUrod
          "NumerDzialalnosci;NumerIdentyfikacyjnyMatki;NumerIdentyfikacyjnyDawczyni;NumerIdentyfikacyjnyDawcy;"
          "IloscOznakowan;")
 DATE = re.compile(r"^\d{4}-\d{2}-\d{2}$")
+REFERENCE = "2024-06-28"  # in the past, so the export names carry it: "28.06.2024"
+REFUSED_LOGIN = "Brak autoryzacji (Być może niepoprawny login/hasło)"
 
 
-def run(cli, *arguments):
-    return subprocess.run([cli, *arguments], capture_output=True, text=True, timeout=300)
+def run(program, *arguments, password=None, stdin="", timeout=300):
+    """Runs with HALVARN_PASSWORD only when given, and never waits on a terminal."""
+    env = {k: v for k, v in os.environ.items() if k != "HALVARN_PASSWORD"}
+    if password is not None:
+        env["HALVARN_PASSWORD"] = password
+    return subprocess.run([program, *arguments], capture_output=True, text=True, timeout=timeout, env=env,
+                          input=stdin)
 
 
 def expect(condition, what):
@@ -87,8 +95,7 @@ def check_exports(folder, dump, producer):
     expect(lines[1].decode("cp1250").startswith(f'"1";"{producer}";'), "first line")
 
 
-def main():
-    cli = sys.argv[1]
+def check_demo(cli):
     today = dt.date.today()
     with tempfile.TemporaryDirectory() as work:
         data, exports, dump_path = (os.path.join(work, n) for n in ("data", "export", "dump.json"))
@@ -122,10 +129,204 @@ def main():
         expect(result.returncode == 1, f"unwritable exports: exit {result.returncode}")
         expect(load(dump_path)["messages"][0]["caption"] == "Błąd...", "the export failure is in the dump")
 
-    for arguments in (["download", "--kinds", "krowy"], ["download", "--parallel", "0"],
-                      ["download", "--state-date", "2024-13-01"], ["pobierz"], ["download", "--nieznana"]):
-        result = run(cli, *arguments)
+
+# Each refused before anything is downloaded: exit 2 and a message naming what is wrong.
+BAD_ARGUMENTS = [
+    (["--kinds", "krowy"], "krowy"),
+    (["--parallel", "0"], "--parallel"),
+    (["--parallel", "65"], "--parallel"),
+    (["--parallel", "dwa"], "--parallel"),
+    (["--timeout-seconds", "0"], "--timeout-seconds"),
+    (["--timeout-seconds", "3601"], "--timeout-seconds"),
+    (["--state-date", "2024-13-01"], "--state-date"),
+    (["--state-date", "1899-12-31"], "1900-01-01"),
+    (["--reference-date", "1899-12-31"], "--reference-date"),
+    (["--producer", "07123456"], "9 cyfr"),
+    (["--producer", "0712345620"], "9 cyfr"),
+    (["--producer", "PL0712345"], "9 cyfr"),
+    (["--password", "-"], "standardowym wejściu"),  # nothing on standard input
+    (["--nieznana"], "nieznana"),
+]
+# The edges of the ranges are accepted.
+ACCEPTED_ARGUMENTS = [
+    ["--parallel", "1", "--timeout-seconds", "1", "--producer", "071234562"],
+    ["--parallel", "64", "--timeout-seconds", "3600", "--reference-date", "1900-01-01"],
+]
+
+
+def check_arguments(cli):
+    for arguments, named in BAD_ARGUMENTS:
+        result = run(cli, "download", "--demo", *arguments)
         expect(result.returncode == 2, f"{arguments}: exit {result.returncode}")
+        expect(named in result.stderr and "Autoryzacja" not in result.stderr, f"{arguments}: {result.stderr}")
+    result = run(cli, "pobierz")
+    expect(result.returncode == 2 and "download" in result.stderr, f"unknown command: exit {result.returncode}")
+    with tempfile.TemporaryDirectory() as data:
+        for arguments in ACCEPTED_ARGUMENTS:
+            result = run(cli, "download", "--demo", "--data-dir", data, *arguments)
+            expect(result.returncode == 0, f"{arguments}: exit {result.returncode}: {result.stderr}")
+
+
+SIMULATOR_BAD_ARGUMENTS = [
+    ["--port", "x"], ["--port", "-1"], ["--port", "65536"], ["--port", "80a"], ["--port", ""],
+    ["--reference-date", "2024-02-30"], ["--reference-date", "jutro"],
+]
+
+
+def check_simulator_arguments(sim):
+    for arguments in SIMULATOR_BAD_ARGUMENTS:
+        try:
+            result = run(sim, *arguments, timeout=20)
+        except subprocess.TimeoutExpired:
+            raise AssertionError(f"simulator {arguments}: accepted and kept serving")
+        expect(result.returncode == 2 and result.stderr.strip(), f"simulator {arguments}: exit {result.returncode}")
+
+
+class Registry:
+    """halvarn-registry-sim serving a dataset file on a free port, with faults."""
+
+    def __init__(self, sim, data, *faults):
+        self.process = subprocess.Popen([sim, "--port", "0", "--data", data, *faults], stdout=subprocess.PIPE,
+                                        stderr=subprocess.PIPE, text=True)
+        line = self.process.stdout.readline()  # "Rejestr (symulator): http://127.0.0.1:PORT"
+        if "http://" not in line:
+            self.process.kill()
+            raise AssertionError(f"simulator did not start: {line}{self.process.stderr.read()}")
+        self.base = line.split()[-1]
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.terminate()
+        self.process.wait(timeout=20)
+
+
+class Producer:
+    """A small demo producer saved by the simulator: two active herds of six
+    animals, an inactive holding and an active one without animals."""
+
+    def __init__(self, sim, work):
+        self.data = os.path.join(work, "producer.json")
+        result = run(sim, "--herds", "2", "--animals", "6", "--reference-date", REFERENCE, "--save-data", self.data)
+        expect(result.returncode == 0, f"simulator --save-data: {result.stderr}")
+        producer = load(self.data)["producers"][0]
+        self.number, self.login, self.password = producer["numerProducenta"], producer["login"], producer["password"]
+        self.holdings = [h for h in producer["holdings"] if h["zwierzeta"] and h["stanDzialalnosci"]["kod"] == "SDZA"]
+        self.work = work
+
+    def download(self, cli, registry, *arguments, **how):
+        return run(cli, "download", "--sso-base", registry.base, "--api-base", registry.base, "--login", self.login,
+                   "--producer", self.number, "--reference-date", REFERENCE,
+                   "--data-dir", os.path.join(self.work, "data"), *arguments, **how)
+
+    def export_names(self):
+        day = dt.date.fromisoformat(REFERENCE).strftime("%d.%m.%Y")
+        return [f"Grupy-{self.number} {day}.XLS", f"Zwierzęta-{self.number} {day} 10_00_00.XLS",
+                f"Zwierzęta-{self.number} {day} 10_00_00.CSV"]
+
+
+# (what, --password option, HALVARN_PASSWORD, standard input, log-in accepted); "{good}" is the right password.
+PASSWORD_SOURCES = [
+    ("environment", [], "{good}", "", True),
+    ("wrong in the environment", [], "zle", "", False),
+    ("standard input", ["--password", "-"], None, "{good}\n", True),
+    ("standard input with CRLF", ["--password", "-"], None, "{good}\r\n", True),
+    ("standard input without a line end", ["--password", "-"], None, "{good}", True),
+    ("only the first line of standard input", ["--password", "-"], None, "{good}\nzle\n", True),
+    ("wrong on standard input", ["--password", "-"], None, "zle\n", False),
+    ("standard input before the environment", ["--password", "-"], "zle", "{good}\n", True),
+    ("the option before the environment", ["--password", "{good}"], "zle", "", True),
+]
+
+
+def check_password_sources(cli, sim, producer):
+    def fill(text):
+        return None if text is None else text.replace("{good}", producer.password)
+
+    with Registry(sim, producer.data) as registry:
+        for what, option, environment, stdin, accepted in PASSWORD_SOURCES:
+            result = producer.download(cli, registry, *map(fill, option), password=fill(environment),
+                                       stdin=fill(stdin))
+            expect(result.returncode == (0 if accepted else 1), f"password from {what}: exit {result.returncode}")
+            expect((REFUSED_LOGIN in result.stderr) != accepted, f"password from {what}: {result.stderr}")
+
+
+def snapshot(folder):
+    return {name: (open(os.path.join(folder, name), "rb").read(), os.stat(os.path.join(folder, name)).st_mtime_ns)
+            for name in os.listdir(folder)}
+
+
+def check_stopped_runs_keep_exports(cli, sim, producer):
+    """A download that does not run to its end writes no exports: the files of
+    an earlier run, named as this run would name them, stay as they were."""
+    stopped = [("wrong password", [], "zle"), ("refused log-in", ["--refuse-login"], None),
+               ("failing holdings list", ["--fail-holdings"], None),
+               ("holdings list that is not JSON", ["--not-json-holdings"], None)]
+    for what, faults, password in stopped:
+        folder, dump = os.path.join(producer.work, "kept"), os.path.join(producer.work, "kept.json")
+        os.makedirs(folder, exist_ok=True)
+        for name in producer.export_names() + ["notatki.txt"]:
+            with open(os.path.join(folder, name), "wb") as f:
+                f.write(b"earlier run " + name.encode())
+            os.utime(os.path.join(folder, name), ns=(10**18, 10**18))
+        before = snapshot(folder)
+        with Registry(sim, producer.data, *faults) as registry:
+            result = producer.download(cli, registry, "--export-dir", folder, "--dump-json", dump,
+                                       password=password or producer.password)
+        expect(result.returncode == 1, f"{what}: exit {result.returncode}: {result.stderr}")
+        expect(snapshot(folder) == before, f"{what}: the earlier exports changed")
+        expect(folder not in result.stderr, f"{what}: an export listed: {result.stderr}")
+        expect(os.path.exists(dump), f"{what}: no dump")
+        os.remove(dump)
+
+
+def check_only_written_exports_listed(cli, sim, producer):
+    folder = os.path.join(producer.work, "partly")
+    os.makedirs(os.path.join(folder, producer.export_names()[0]))  # a folder where the groups workbook goes
+    with Registry(sim, producer.data) as registry:
+        result = producer.download(cli, registry, "--export-dir", folder, password=producer.password)
+    expect(result.returncode == 1, f"a failed export: exit {result.returncode}")
+    listed = [line for line in result.stderr.splitlines() if line.startswith(folder)]
+    files = [n for n in os.listdir(folder) if os.path.isfile(os.path.join(folder, n))]
+    expect(len(files) == 2 and sorted(os.path.basename(p) for p in listed) == sorted(files),
+           f"listed {listed}, written {files}")
+
+
+def check_incomplete_herds(cli, sim, producer):
+    """A herd that ends early makes a run that still goes to its end: exit 3,
+    every export written, and a line in the error memo for that herd."""
+    first, second = producer.holdings[0], producer.holdings[1]
+    part_way = first["zwierzeta"][2]["numerIdentyfikacyjnyZwierzecia"]
+    dump = os.path.join(producer.work, "incomplete.json")
+    with Registry(sim, producer.data) as registry:
+        result = producer.download(cli, registry, "--dump-json", dump, password=producer.password)
+    expect(result.returncode == 0, f"every herd whole: exit {result.returncode}: {result.stderr}")
+    whole_errors = load(dump)["errors"]
+    faults = [("an animal failing part-way", ["--fail-animal", part_way]),
+              ("a failing animal list", ["--fail-herd", second["numerDzialalnosci"]]),
+              ("a registry message for the animal list", ["--komunikat-herd", second["numerDzialalnosci"]])]
+    for what, fault in faults:
+        folder = os.path.join(producer.work, "incomplete-" + fault[0])
+        with Registry(sim, producer.data, *fault) as registry:
+            result = producer.download(cli, registry, "--export-dir", folder, "--dump-json", dump,
+                                       password=producer.password)
+        expect(result.returncode == 3, f"{what}: exit {result.returncode}: {result.stderr}")
+        expect(len(os.listdir(folder)) == 3, f"{what}: exports {os.listdir(folder)}")
+        expect(len(load(dump)["errors"]) > len(whole_errors), f"{what}: errors {load(dump)['errors']}")
+
+
+def main():
+    cli, sim = sys.argv[1], sys.argv[2]
+    check_demo(cli)
+    check_arguments(cli)
+    check_simulator_arguments(sim)
+    with tempfile.TemporaryDirectory() as work:
+        producer = Producer(sim, work)
+        check_password_sources(cli, sim, producer)
+        check_stopped_runs_keep_exports(cli, sim, producer)
+        check_only_written_exports_listed(cli, sim, producer)
+        check_incomplete_herds(cli, sim, producer)
     print("command line checks passed")
 
 

@@ -33,9 +33,22 @@ DEFAULT_LIMITS = {
     "HalvOpasowGrp_Od_300KG_Do_450KG_Wiek_Do": 10, "HalvOpasowGrp_Ponad_450KG_Wiek_Od": 10,
 }
 CHANGED_LIMITS = {key: value + (2 if key.endswith("_Do") else 1) for key, value in DEFAULT_LIMITS.items()}
-# Limits in no particular order: bands overlap or leave gaps, so every sub-count stands on its own.
-_LIMITS_RNG = random.Random(7)
-SHUFFLED_LIMITS = {key: _LIMITS_RNG.randint(0, 20) for key in DEFAULT_LIMITS}
+
+
+def shuffled_limits():
+    """Limits in no particular order: the bands of different classes overlap or
+    leave gaps, so every sub-count stands on its own. Within one class the lower
+    bound stays at or below the upper one, as the settings require."""
+    rng = random.Random(7)
+    limits = {key: rng.randint(0, 20) for key in DEFAULT_LIMITS}
+    for lower in [key for key in limits if key.endswith("_Wiek_Od")]:
+        upper = lower[:-2] + "Do"
+        if upper in limits:
+            limits[lower], limits[upper] = sorted((limits[lower], limits[upper]))
+    return limits
+
+
+SHUFFLED_LIMITS = shuffled_limits()
 
 SEXES = [("XX", "Samica"), ("XY", "Samiec"), ("XX", "Samica"), ("XY", "Samiec"), ("", "")]
 USE_TYPES = [("MI", "Mięsny"), ("ML", "Mleczny"), ("KO", "Kombinowany"), ("", "")]

@@ -25,6 +25,9 @@ private Q_SLOTS:
     void erasingASectionKeepsTheOthers();
     void aFailedWriteLeavesNoFile();
     void ageLimitsReadTheirKeys();
+    void invalidAgeLimitsFallBackToTheirDefaults_data();
+    void invalidAgeLimitsFallBackToTheirDefaults();
+    void aUtf8ByteOrderMarkIsTolerated();
     void startUpSwitches();
     void dataFolderPrecedenceAndSubfolders();
     void ageInMonths_data();
@@ -126,6 +129,54 @@ void TestSettings::ageLimitsReadTheirKeys()
     IniFile ini(path);
     defaults.write(ini);
     QCOMPARE(AgeLimits::read(IniFile(path))[AgeLimit::HalvOpasowGrp_Ponad_450KG_Wiek_Od], 10);
+}
+
+void TestSettings::invalidAgeLimitsFallBackToTheirDefaults_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<int>("lower"); // CieletaGrp_Od_150KG_Do_220KG_Wiek_Od
+    QTest::addColumn<int>("upper"); // CieletaGrp_Od_150KG_Do_220KG_Wiek_Do
+    QTest::addColumn<QString>("problem");
+    const QByteArray lower = "CieletaGrp_Od_150KG_Do_220KG_Wiek_Od=";
+    const QByteArray upper = "CieletaGrp_Od_150KG_Do_220KG_Wiek_Do=";
+    QTest::newRow("valid, at the bounds") << lower + "0\r\n" + upper + "600" << 0 << 600 << QString();
+    QTest::newRow("not a number") << lower + "abc" << 3 << 5 << QStringLiteral("CieletaGrp_Od_150KG_Do_220KG_Wiek_Od=abc");
+    QTest::newRow("a fraction") << lower + "2.5" << 3 << 5 << QStringLiteral("=2.5");
+    QTest::newRow("negative") << upper + "-1" << 3 << 5 << QStringLiteral("CieletaGrp_Od_150KG_Do_220KG_Wiek_Do=-1");
+    QTest::newRow("over 600") << upper + "601" << 3 << 5 << QStringLiteral("=601");
+    QTest::newRow("lower above upper") << lower + "8\r\n" + upper + "6" << 3 << 5
+                                       << QStringLiteral("CieletaGrp_Od_150KG_Do_220KG_Wiek_Od=8 jest większe");
+    QTest::newRow("equal bounds") << lower + "6\r\n" + upper + "6" << 6 << 6 << QString();
+}
+
+void TestSettings::invalidAgeLimitsFallBackToTheirDefaults()
+{
+    QFETCH(QByteArray, lines);
+    QFETCH(int, lower);
+    QFETCH(int, upper);
+    QFETCH(QString, problem);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("HALVARN.INI"));
+    WriteAll(path, "[WIEK]\r\nHalvOpasowGrp_Ponad_450KG_Wiek_Od=12\r\n" + lines + "\r\n");
+    QStringList problems;
+    const AgeLimits limits = AgeLimits::read(IniFile(path), &problems);
+    QCOMPARE(limits[AgeLimit::CieletaGrp_Od_150KG_Do_220KG_Wiek_Od], lower);
+    QCOMPARE(limits[AgeLimit::CieletaGrp_Od_150KG_Do_220KG_Wiek_Do], upper);
+    QCOMPARE(limits[AgeLimit::HalvOpasowGrp_Ponad_450KG_Wiek_Od], 12); // a good neighbour is kept
+    QCOMPARE(problems.size(), problem.isEmpty() ? 0 : 1);
+    if (!problem.isEmpty())
+        QVERIFY2(problems[0].contains(problem), qPrintable(problems[0]));
+}
+
+// Files saved by some editors start with a byte-order mark and are UTF-8 then.
+void TestSettings::aUtf8ByteOrderMarkIsTolerated()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("HALVARN.INI"));
+    WriteAll(path, "\xEF\xBB\xBF[PATHS]\r\nCSV=C:\\Dane\\Zwierzęta\r\n[WIEK]\r\nCieletaGrp_Do_150KG_Wiek_Do=4\r\n");
+    const IniFile ini(path);
+    QCOMPARE(ini.readString(QStringLiteral("PATHS"), QStringLiteral("CSV"), {}), QStringLiteral("C:\\Dane\\Zwierzęta"));
+    QCOMPARE(AgeLimits::read(ini)[AgeLimit::CieletaGrp_Do_150KG_Wiek_Do], 4);
 }
 
 void TestSettings::startUpSwitches()

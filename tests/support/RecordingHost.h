@@ -4,6 +4,7 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -23,8 +24,7 @@ public:
     QStringList progressLog; // "bar:position/maximum", in order
     std::map<int, std::pair<int, int>> progress; // bar -> (position, maximum)
     bool answerYes = true;
-    int cancelAfterChecks = -1; // cancel at this check of cancelRequested(); -1 never
-    int cancelChecks = 0;
+    std::function<bool()> cancelWhen; // asked at every check of cancelRequested()
     bool busy = false;
     QString herdChoice = QStringLiteral("ALL");
     std::vector<int> summaryRows;
@@ -60,7 +60,7 @@ public:
         questions.append(text);
         return answerYes;
     }
-    bool cancelRequested() override { return cancelAfterChecks >= 0 && cancelChecks++ >= cancelAfterChecks; }
+    bool cancelRequested() override { return cancelWhen && cancelWhen(); }
     std::optional<QString> askHerd() override
     {
         return herdChoice.isNull() ? std::nullopt : std::optional<QString>(herdChoice);

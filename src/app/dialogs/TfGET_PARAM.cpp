@@ -91,7 +91,7 @@ QWidget* TfGET_PARAM::buildCsvRow()
 void TfGET_PARAM::load()
 {
     const IniFile ini(settingsFile_);
-    limitsPanel_->showLimits(AgeLimits::read(ini));
+    limitsPanel_->showLimits(AgeLimits::readAsWritten(ini));
     csvEdit_->setText(ini.readString(PathsSection(), CsvKey(), defaultCsvFolder_));
     csvEdit_->setCursorPosition(0);
 }

@@ -40,12 +40,21 @@ SummaryGrid::SummaryGrid(Table& mdRZ00, QWidget* parent)
     layout->addWidget(view_, 1);
     layout->addWidget(footer_);
 
+    connect(model_, &QAbstractItemModel::modelReset, this, &SummaryGrid::fitColumns);
     connect(model_, &QAbstractItemModel::modelReset, this, &SummaryGrid::afterRelayout);
     connect(model_, &QAbstractItemModel::layoutChanged, this, &SummaryGrid::afterRelayout);
     connect(model_, &QAbstractItemModel::dataChanged, this, &SummaryGrid::updateFooter);
     connect(view_, &QTreeView::expanded, this, [this](const QModelIndex& index) { rememberExpansion(index, true); });
     connect(view_, &QTreeView::collapsed, this, [this](const QModelIndex& index) { rememberExpansion(index, false); });
+    fitColumns();
     updateFooter();
+}
+
+// Sized for the marked rows' font, so a mark never cuts a value.
+void SummaryGrid::fitColumns()
+{
+    FitColumnsToContent(*view_->header(), model_->columns(), table_, SummaryModel::markedFont());
+    fitMarkColumn();
 }
 
 QWidget* SummaryGrid::createGroupBar()

@@ -54,6 +54,7 @@ private:
     void updateFooter();
     void updateFilterBar();
     void updateGroupChoice();
+    void fitColumns();
     void fitMarkColumn();
     int fieldIndex(const QString& field) const; // -1 for an empty name
     QString fieldName(int field) const;

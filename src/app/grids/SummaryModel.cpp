@@ -204,6 +204,14 @@ QVariant SummaryModel::groupData(const QModelIndex& index, int role) const
     return {};
 }
 
+QFont SummaryModel::markedFont()
+{
+    QFont font;
+    font.setBold(true);
+    font.setItalic(true);
+    return font;
+}
+
 QVariant SummaryModel::recordData(int record, int column, int role) const
 {
     const FieldValue& value = table_.at(record, fields_[static_cast<std::size_t>(column)]);
@@ -216,14 +224,8 @@ QVariant SummaryModel::recordData(int record, int column, int role) const
         return static_cast<int>(columns_[static_cast<std::size_t>(column)].alignment);
     case Qt::ForegroundRole:
         return isMarked(record) ? QColor(255, 0, 0) : QColor(Qt::black);
-    case Qt::FontRole: {
-        if (!isMarked(record))
-            return {};
-        QFont font;
-        font.setBold(true);
-        font.setItalic(true);
-        return font;
-    }
+    case Qt::FontRole:
+        return isMarked(record) ? QVariant(markedFont()) : QVariant();
     default:
         return {};
     }

@@ -25,6 +25,7 @@ public:
     const SummaryLayout& layout() const { return layout_; }
     int fieldOfColumn(int column) const { return fields_[static_cast<std::size_t>(column)]; }
     QString captionOfField(int field) const;
+    static QFont markedFont(); // bold italic
 
     void setColumnFilter(int field, const QStringList& acceptedTexts);
     void clearFilters();

@@ -6,11 +6,13 @@
 #include "app/grids/TableModel.h"
 
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QTableView>
+#include <QTimer>
 #include <QVBoxLayout>
 
 TableGrid::TableGrid(Table& table, GridKind kind, QWidget* parent)
-    : QWidget(parent), model_(new TableModel(table, ColumnsFor(kind), this)), view_(new QTableView(this)),
+    : QWidget(parent), kind_(kind), model_(new TableModel(table, ColumnsFor(kind), this)), view_(new QTableView(this)),
       footer_(new GridFooter(*view_, *view_->horizontalHeader(), this)), footerCells_(FooterCellsFor(kind))
 {
     view_->setObjectName(QStringLiteral("view"));
@@ -30,7 +32,39 @@ TableGrid::TableGrid(Table& table, GridKind kind, QWidget* parent)
     connect(model_, &QAbstractItemModel::rowsInserted, this, &TableGrid::updateFooter);
     connect(model_, &QAbstractItemModel::rowsRemoved, this, &TableGrid::updateFooter);
     connect(model_, &QAbstractItemModel::dataChanged, this, &TableGrid::updateFooter);
+    followContentWithColumns();
     updateFooter();
+}
+
+// A reset (the end of a long operation) fits the columns at once; changes of
+// single rows (the group catalogue's rebuild) fit them once after the last one.
+void TableGrid::followContentWithColumns()
+{
+    auto* fitLater = new QTimer(this);
+    fitLater->setSingleShot(true);
+    fitLater->setInterval(0);
+    connect(fitLater, &QTimer::timeout, this, &TableGrid::fitColumns);
+    connect(model_, &QAbstractItemModel::modelReset, this, &TableGrid::fitColumns);
+    for (auto change : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
+        connect(model_, change, fitLater, qOverload<>(&QTimer::start));
+    connect(model_, &QAbstractItemModel::dataChanged, fitLater, qOverload<>(&QTimer::start));
+    fitColumns();
+}
+
+void TableGrid::fitColumns()
+{
+    FitColumnsToContent(*view_->horizontalHeader(), columns(), model_->table(), view_->font());
+    updateGeometry();
+}
+
+QSize TableGrid::minimumSizeHint() const
+{
+    const QSize least = QWidget::minimumSizeHint();
+    if (kind_ != GridKind::Groups)
+        return least;
+    const int whole = view_->horizontalHeader()->length() + 2 * view_->frameWidth() +
+                      view_->verticalScrollBar()->sizeHint().width();
+    return {std::max(least.width(), whole), least.height()};
 }
 
 const std::vector<GridColumn>& TableGrid::columns() const

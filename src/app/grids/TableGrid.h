@@ -21,10 +21,16 @@ public:
     TableModel* model() const { return model_; }
     const std::vector<GridColumn>& columns() const;
     QString footerText(const QString& field) const; // empty under a column without a total
+    // A group grid is never narrower than its columns: the catalogue is short
+    // and read across, so it is shown whole and the animals grid scrolls instead.
+    QSize minimumSizeHint() const override;
 
 private:
+    void followContentWithColumns();
+    void fitColumns();
     void updateFooter();
 
+    GridKind kind_;
     TableModel* model_;
     QTableView* view_;
     GridFooter* footer_;

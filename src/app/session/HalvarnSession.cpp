@@ -108,6 +108,7 @@ void HalvarnSession::ClearAllData()
         herd.Index = slot == 0 ? -1 : 0;
         herd.Code = slot == 0 ? QStringLiteral("000") : QString();
         herd.Visible = false;
+        herd.Incomplete.clear();
         herd.AnimalsTable->open();
         herd.GroupsTable->open();
         SetStatusText(StatusPanel::Step, QStringLiteral("Czyszczenie danych RZ"));
@@ -128,5 +129,8 @@ void HalvarnSession::ClearAllData()
 void HalvarnSession::rebuildGroups()
 {
     const IniFile settings(folder_.settingsFile());
-    RebuildGroupCatalogue(tables_, AgeLimits::read(settings), halvarnFlags);
+    QStringList problems;
+    RebuildGroupCatalogue(tables_, AgeLimits::read(settings, &problems), halvarnFlags);
+    if (!problems.isEmpty())
+        host_.showMessage(QStringLiteral("Informacja"), problems.join(u'\n'), MessageIcon::Warning);
 }

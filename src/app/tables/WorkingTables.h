@@ -14,6 +14,7 @@ struct THerdSlot {
     Table* AnimalsTable = nullptr;
     Table* GroupsTable = nullptr;
     bool Visible = false; // the tab is shown
+    QString Incomplete;   // why the herd ended early, as its line in mErrors; empty when read whole
 };
 
 // All working tables of the main window and the 21 herd slots bound to them.

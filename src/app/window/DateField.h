@@ -1,9 +1,7 @@
 #pragma once
 
-#include <QDate>
+#include <QDateTimeEdit>
 #include <QWidget>
-
-class QDateEdit;
 
 // A date-only edit that can be empty, with buttons to clear it and to pick today.
 class DateField : public QWidget {
@@ -17,8 +15,14 @@ public:
     QString displayText() const;
     QDateEdit* edit() const { return edit_; }
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    bool wholeTextSelected() const;
+
     QDateEdit* edit_;
+    QDateTimeEdit::Section lastDigitSection_ = QDateTimeEdit::NoSection; // where the last key typed a digit
 };
 
 // Dates as the window shows them.

@@ -20,6 +20,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpressionValidator>
 #include <QSplitter>
 #include <QStyle>
 #include <QTabWidget>
@@ -82,12 +83,14 @@ TfHalvarnMain::TfHalvarnMain(DataFolder folder, RegistryConfig registry, std::un
     setCentralWidget(central);
     addToolBar(static_cast<QToolBar*>(buildCommandBar()));
     buildStatusBar();
-    host_->attach({status_, mErrors, mLoaded, lcErrors}, [this] { return summaryGrid_->rowsInDisplayOrder(); });
+    // The tabs follow the herd slots at every change of the status mode, so the
+    // clearing that starts a download hides the old herds before the first request.
+    host_->attach({status_, mErrors, mLoaded, lcErrors}, [this] { return summaryGrid_->rowsInDisplayOrder(); },
+                  [this] { showHerdTabs(); });
     connectCommands();
 
     readInputs();
     session_->ClearAllData();
-    showHerdTabs();
     const QDate today = QDate::currentDate();
     edStanDanychNaDzien->setDate(today);
     edHalvarnNaDzien->setDate(today);
@@ -176,6 +179,9 @@ QGroupBox* TfHalvarnMain::buildLoginGroup()
     password->addWidget(reveal);
     edNumerProducenta = Named<QLineEdit>("edNumerProducenta", group);
     edNumerProducenta->setMaxLength(9);
+    // The number goes into the registry's query strings and into file names.
+    edNumerProducenta->setValidator(
+        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]{0,9}")), edNumerProducenta));
     edNazwa = Named<QLineEdit>("edNazwa", group);
     // The name belongs to the number it came with.
     connect(edNumerProducenta, &QLineEdit::textChanged, edNazwa, &QLineEdit::clear);
@@ -273,13 +279,14 @@ QSplitter* HerdSplitter(QWidget* animals, TableGrid* groups, QWidget* parent)
     auto* splitter = new QSplitter(Qt::Horizontal, parent);
     splitter->addWidget(animals);
     auto* groupsBox = new QGroupBox(QStringLiteral("Grupy technologiczne"), splitter);
-    groupsBox->setMinimumWidth(520); // caption, range, count and extra count side by side
     auto* layout = new QVBoxLayout(groupsBox);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->addWidget(groups);
     splitter->addWidget(groupsBox);
-    splitter->setStretchFactor(0, 3);
-    splitter->setStretchFactor(1, 2);
+    // The group grid keeps the width of its columns; the animals take the rest.
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 0);
+    splitter->setCollapsible(1, false);
     return splitter;
 }
 } // namespace

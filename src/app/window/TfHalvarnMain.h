@@ -116,4 +116,5 @@ private:
     std::vector<QWidget*> lockedWhileRunning_;
     std::vector<QAction*> actionsLockedWhileRunning_;
     bool running_ = false;
+    bool closeWhenDone_ = false; // the user closed the window while a command ran
 };

@@ -53,7 +53,8 @@ void TfHalvarnMain::readInputs()
     SessionInputs& inputs = session_->inputs;
     inputs.login = edUser->text();
     inputs.password = edPassword->text();
-    inputs.producerNumber = edNumerProducenta->text();
+    // Typing passes the field's validator; a number put in from code counts only when it would too.
+    inputs.producerNumber = edNumerProducenta->hasAcceptableInput() ? edNumerProducenta->text() : QString();
     inputs.producerName = edNazwa->text();
     inputs.stateDate = edStanDanychNaDzien->date();
     inputs.referenceDate = edHalvarnNaDzien->date();
@@ -71,7 +72,6 @@ void TfHalvarnMain::cxButton1Click()
                 return;
             edStanDanychNaDzien->setDate(session_->inputs.stateDate);
             edHalvarnNaDzien->setDate(session_->inputs.referenceDate);
-            showHerdTabs();
             showFirstHerd();
         },
         true);
@@ -79,10 +79,7 @@ void TfHalvarnMain::cxButton1Click()
 
 void TfHalvarnMain::cxButton2Click()
 {
-    runOperation([this] {
-        session_->ClearAllData();
-        showHerdTabs();
-    });
+    runOperation([this] { session_->ClearAllData(); });
 }
 
 void TfHalvarnMain::cancelOperation()
@@ -99,6 +96,7 @@ void TfHalvarnMain::closeEvent(QCloseEvent* event)
         QMainWindow::closeEvent(event);
         return;
     }
+    closeWhenDone_ = true;
     cancelOperation();
     event->ignore();
 }
@@ -127,6 +125,10 @@ void TfHalvarnMain::runOperation(const std::function<void()>& operation, bool ca
         dialogs_->message(QString::fromUtf8("Błąd"), QString::fromUtf8(error.what()), MessageIcon::Error);
     }
     setRunning(false, cancellable);
+    if (closeWhenDone_) {
+        close();
+        return;
+    }
     if (pages_->currentWidget() == tsPobraneDane)
         host_->showLoaded();
 }
@@ -143,7 +145,8 @@ void TfHalvarnMain::setRunning(bool running, bool cancellable)
     cancelButton_->setVisible(running && cancellable);
 }
 
-// A herd's tab is shown, captioned with its code, when the download found animals in it.
+// A herd's tab is shown, captioned with its code, when the download found animals
+// in it; a herd that ended early says so in its caption and tells why in its tool tip.
 void TfHalvarnMain::showHerdTabs()
 {
     const auto& slots = session_->tables().HerdSlots;
@@ -151,8 +154,11 @@ void TfHalvarnMain::showHerdTabs()
         const THerdSlot& herd = slots[static_cast<std::size_t>(slot)];
         const int index = pages_->indexOf(slotView(slot).TabSheet);
         pages_->setTabVisible(index, herd.Visible);
-        if (slot > 0 && herd.Visible)
-            pages_->setTabText(index, herd.Code);
+        if (slot == 0 || !herd.Visible)
+            continue;
+        const bool incomplete = !herd.Incomplete.isEmpty();
+        pages_->setTabText(index, incomplete ? herd.Code + QString::fromUtf8(" (niepełne)") : herd.Code);
+        pages_->setTabToolTip(index, herd.Incomplete);
     }
 }
 

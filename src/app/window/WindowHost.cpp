@@ -19,15 +19,18 @@ WindowHost::WindowHost(UserDialogs& dialogs) : dialogs_(dialogs)
     sincePaint_.start();
 }
 
-void WindowHost::attach(Widgets widgets, std::function<std::vector<int>()> summaryRows)
+void WindowHost::attach(Widgets widgets, std::function<std::vector<int>()> summaryRows,
+                        std::function<void()> modeChanged)
 {
     widgets_ = widgets;
     summaryRows_ = std::move(summaryRows);
+    modeChanged_ = std::move(modeChanged);
 }
 
 void WindowHost::statusModeChanged(bool busy, bool showHerd)
 {
     widgets_.status->setMode(busy, showHerd);
+    modeChanged_();
     if (!busy && !widgets_.errors->document()->isEmpty())
         widgets_.errorGroup->show();
     widgets_.status->repaint();

@@ -26,7 +26,8 @@ public:
     explicit WindowHost(UserDialogs& dialogs);
 
     // The window's widgets, once they are built; the session is created before them.
-    void attach(Widgets widgets, std::function<std::vector<int>()> summaryRows);
+    // `modeChanged` runs at every change of the status mode, before the window repaints.
+    void attach(Widgets widgets, std::function<std::vector<int>()> summaryRows, std::function<void()> modeChanged);
 
     // The raw answers go into "Pobrane dane" only when that page is looked at:
     // laying out megabytes of one-line JSON would otherwise slow every download.
@@ -53,6 +54,7 @@ private:
     Widgets widgets_{};
     UserDialogs& dialogs_;
     std::function<std::vector<int>()> summaryRows_;
+    std::function<void()> modeChanged_;
     QElapsedTimer sincePaint_;
     QStringList pendingLoaded_;
     bool cancel_ = false;

@@ -1,3 +1,4 @@
+#include "app/window/ApplicationSetup.h"
 #include "app/window/TfHalvarnMain.h"
 #include "framework/IniFile.h"
 #include "registry/sim/RegistrySimulator.h"
@@ -38,9 +39,7 @@ void Refuse(const QString& text)
 int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Halvarn"));
-    QApplication::setApplicationDisplayName(QString::fromUtf8("Fernhill Halvarn Bydła"));
-    QApplication::setApplicationVersion(QStringLiteral(HALVARN_VERSION));
+    SetUpApplication(app);
     const WindowOptions options = ParseOptions(app);
 
     const DataFolder folder(DataFolder::resolve(options.dataDir));

@@ -1,15 +1,93 @@
 #include "registry/client/HttpExchange.h"
 
 #include <QEventLoop>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QTimer>
 
-HttpExchange::HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRequest request, QByteArray body,
-                           int timeoutMs)
-    : timer_(std::make_unique<QTimer>()), timeoutMs_(timeoutMs)
+namespace {
+constexpr int CancelPollMs = 50;
+
+QString Text(const char* utf8)
 {
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    return QString::fromUtf8(utf8);
+}
+
+bool SameOrigin(const QUrl& a, const QUrl& b)
+{
+    return a.scheme() == b.scheme() && a.host().compare(b.host(), Qt::CaseInsensitive) == 0 &&
+           a.port(a.scheme() == u"https" ? 443 : 80) == b.port(b.scheme() == u"https" ? 443 : 80);
+}
+
+// An HTTP status of 400 and above comes with an error of its own class; only
+// network-level errors (below 100) and proxy errors (1xx) mean no whole answer.
+bool OnlyAnHttpStatus(QNetworkReply::NetworkError error, int status)
+{
+    return error == QNetworkReply::NoError || (status >= 400 && error >= QNetworkReply::ContentAccessDenied);
+}
+
+QString TransportWords(QNetworkReply::NetworkError error)
+{
+    switch (error) {
+    case QNetworkReply::TimeoutError:
+        return Text("Przekroczono czas oczekiwania na odpowiedź serwera");
+    case QNetworkReply::RemoteHostClosedError:
+    case QNetworkReply::OperationCanceledError:
+        return Text("Połączenie zostało przerwane");
+    case QNetworkReply::SslHandshakeFailedError:
+        return Text("Nie udało się nawiązać bezpiecznego połączenia z serwerem");
+    case QNetworkReply::TooManyRedirectsError:
+        return Text("Serwer przekierowuje zapytanie zbyt wiele razy");
+    case QNetworkReply::InsecureRedirectError:
+        return Text("Serwer przekierował zapytanie pod niedozwolony adres");
+    case QNetworkReply::ConnectionRefusedError:
+    case QNetworkReply::HostNotFoundError:
+    case QNetworkReply::TemporaryNetworkFailureError:
+    case QNetworkReply::NetworkSessionFailedError:
+    case QNetworkReply::UnknownNetworkError:
+        return Text("Brak połączenia z serwerem");
+    default:
+        return error < QNetworkReply::ContentAccessDenied ? Text("Brak połączenia z serwerem")
+                                                          : Text("Błąd komunikacji z serwerem");
+    }
+}
+
+void CollectMessages(const QJsonValue& value, QStringList& messages, int depth)
+{
+    if (depth > 4)
+        return;
+    if (value.isArray()) {
+        for (const QJsonValue& item : value.toArray())
+            CollectMessages(item, messages, depth + 1);
+        return;
+    }
+    const QJsonObject object = value.toObject();
+    const QString message = object.value(u"komunikat").toString();
+    if (!message.isEmpty()) {
+        const QString code = object.value(u"kodBledu").toString();
+        messages.append(code.isEmpty() ? message : code + QStringLiteral(": ") + message);
+        return;
+    }
+    for (const QJsonValue& member : object)
+        CollectMessages(member, messages, depth + 1);
+}
+} // namespace
+
+QString RegistryMessageIn(const QByteArray& body)
+{
+    QStringList messages;
+    CollectMessages(QJsonDocument::fromJson(body).object(), messages, 0);
+    return messages.join(QStringLiteral("; "));
+}
+
+HttpExchange::HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRequest request,
+                           const QByteArray& body, ExchangeRules rules)
+    : timer_(std::make_unique<QTimer>()), rules_(std::move(rules)), origin_(request.url())
+{
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
     if (verb == Verb::Post) {
         request.setHeader(QNetworkRequest::ContentLengthHeader, body.size());
         reply_.reset(network.post(request, body));
@@ -17,38 +95,86 @@ HttpExchange::HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRe
         reply_.reset(network.get(request));
     }
     reply_->setParent(nullptr);
-    timer_->setSingleShot(true);
-    QObject::connect(timer_.get(), &QTimer::timeout, reply_.get(), [this] {
-        timedOut_ = true;
-        reply_->abort();
-    });
-    // Requests beyond the connections Qt opens to one host wait in its queue;
-    // the time-out counts from when a request really leaves, so the number
-    // kept in flight never turns a slow answer into a time-out.
-    const auto leaving = [this] {
-        if (!sent_) {
-            sent_ = true;
-            timer_->start(timeoutMs_);
-        }
-    };
-    QObject::connect(reply_.get(), &QNetworkReply::socketStartedConnecting, reply_.get(), leaving);
-    QObject::connect(reply_.get(), &QNetworkReply::requestSent, reply_.get(), leaving);
-    timer_->start(timeoutMs);
+    watchReply();
 }
 
 HttpExchange::~HttpExchange()
 {
+    markFinished();
     if (!reply_->isFinished())
         reply_->abort();
 }
 
-bool HttpExchange::finished() const
+void HttpExchange::watchReply()
 {
-    return reply_->isFinished();
+    QNetworkReply* reply = reply_.get();
+    timer_->setSingleShot(true);
+    QObject::connect(timer_.get(), &QTimer::timeout, reply, [this] { onTimeout(); });
+    QObject::connect(reply, &QNetworkReply::socketStartedConnecting, reply, [this] { markSent(); });
+    QObject::connect(reply, &QNetworkReply::requestSent, reply, [this] { markSent(); });
+    QObject::connect(reply, &QNetworkReply::redirected, reply, [this](const QUrl& target) { onRedirect(target); });
+    QObject::connect(reply, &QNetworkReply::readyRead, reply, [this] { readArrived(); });
+    QObject::connect(reply, &QNetworkReply::finished, reply, [this] { markFinished(); });
+    timer_->start(rules_.timeoutMs);
 }
 
-void HttpExchange::abort()
+// The time-out counts from when the request really leaves: one that waits in
+// Qt's queue for a free connection to the host is not timing out yet.
+void HttpExchange::markSent()
 {
+    if (sent_)
+        return;
+    sent_ = counted_ = true;
+    ++*rules_.sentAndOpen;
+    timer_->start(rules_.timeoutMs);
+}
+
+void HttpExchange::markFinished()
+{
+    timer_->stop();
+    if (counted_) {
+        --*rules_.sentAndOpen;
+        counted_ = false;
+    }
+}
+
+void HttpExchange::onTimeout()
+{
+    if (!sent_ && *rules_.sentAndOpen > 0) {
+        timer_->start(rules_.timeoutMs); // still queued behind requests that are answered now
+        return;
+    }
+    abortFor(Abort::TimedOut);
+}
+
+// Redirects are followed only within the same scheme, host and port, so the
+// token and the log-in form never reach another server.
+void HttpExchange::onRedirect(const QUrl& target)
+{
+    if (SameOrigin(origin_, target)) {
+        Q_EMIT reply_->redirectAllowed();
+        return;
+    }
+    refusedTarget_ = target.toString(QUrl::RemoveUserInfo | QUrl::RemoveQuery);
+    abortFor(Abort::RedirectRefused);
+}
+
+// The answer is taken as it arrives, so one past the limit is refused before it
+// fills the memory.
+void HttpExchange::readArrived()
+{
+    const qint64 announced = reply_->header(QNetworkRequest::ContentLengthHeader).toLongLong();
+    if (announced > rules_.maxAnswerBytes || result_.body.size() + reply_->bytesAvailable() > rules_.maxAnswerBytes) {
+        abortFor(Abort::TooLarge);
+        return;
+    }
+    result_.body += reply_->readAll();
+}
+
+void HttpExchange::abortFor(Abort reason)
+{
+    if (abort_ == Abort::None)
+        abort_ = reason;
     reply_->abort();
 }
 
@@ -56,8 +182,19 @@ const HttpResult& HttpExchange::wait()
 {
     if (!reply_->isFinished()) {
         QEventLoop loop;
+        QTimer poll;
         QObject::connect(reply_.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-        loop.exec();
+        if (rules_.cancelRequested) {
+            QObject::connect(&poll, &QTimer::timeout, &loop, [this] {
+                if (rules_.cancelRequested())
+                    abortFor(Abort::Cancelled);
+            });
+            poll.start(CancelPollMs);
+        }
+        if (!(rules_.cancelRequested && rules_.cancelRequested()))
+            loop.exec();
+        else
+            abortFor(Abort::Cancelled);
     }
     collect();
     return result_;
@@ -67,20 +204,45 @@ void HttpExchange::collect()
 {
     if (collected_)
         return;
+    markFinished();
     collected_ = true;
-    timer_->stop();
+    if (abort_ == Abort::None && reply_->isOpen())
+        result_.body += reply_->readAll();
     result_.status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (reply_->isOpen())
-        result_.body = reply_->readAll();
     if (result_.status > 0) {
         const QString reason = reply_->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
         result_.statusLine = QStringLiteral("HTTP/1.1 %1 %2").arg(result_.status).arg(reason).trimmed();
-        return;
     }
-    if (timedOut_)
-        result_.transportError = QStringLiteral("Przekroczono czas oczekiwania na odpowiedź serwera (%1 s): %2")
-                                     .arg(timeoutMs_ / 1000.0)
-                                     .arg(reply_->url().toString());
-    else
-        result_.transportError = reply_->errorString();
+    result_.cancelled = abort_ == Abort::Cancelled;
+    if (abort_ != Abort::None || !OnlyAnHttpStatus(reply_->error(), result_.status)) {
+        result_.failure = failureText();
+        result_.body.clear();
+    } else if (result_.status < 200 || (result_.status >= 300 && result_.status < 400)) {
+        // A redirect left at the end of the chain, or no final answer at all.
+        result_.failure = Text("Nie udało się podążyć za przekierowaniem serwera (%1)").arg(result_.statusLine);
+        result_.body.clear();
+    }
+}
+
+QString HttpExchange::failureText() const
+{
+    const QString address = reply_->url().toString(QUrl::RemoveUserInfo | QUrl::RemoveQuery);
+    switch (abort_) {
+    case Abort::Cancelled:
+        return Text("Przerwano na żądanie użytkownika");
+    case Abort::TimedOut:
+        return Text("Przekroczono czas oczekiwania na odpowiedź serwera (%1 s): %2")
+            .arg(rules_.timeoutMs / 1000.0)
+            .arg(address);
+    case Abort::TooLarge:
+        return Text("Odpowiedź serwera przekracza dopuszczalny rozmiar %1 MB: %2")
+            .arg(static_cast<double>(rules_.maxAnswerBytes) / (1 << 20))
+            .arg(address);
+    case Abort::RedirectRefused:
+        return Text("Serwer przekierował zapytanie pod inny adres (%1); nie wysłano tam danych logowania")
+            .arg(refusedTarget_);
+    case Abort::None:
+        break;
+    }
+    return TransportWords(reply_->error()) + QStringLiteral(" (%1): %2").arg(reply_->errorString(), address);
 }

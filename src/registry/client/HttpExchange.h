@@ -3,7 +3,9 @@
 #include <QByteArray>
 #include <QNetworkRequest>
 #include <QString>
+#include <QUrl>
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 
@@ -11,12 +13,28 @@ class QNetworkAccessManager;
 class QNetworkReply;
 class QTimer;
 
-// A failure of the transport that is not an HTTP status: no connection, a
-// time-out, a TLS error. It ends the operation that was asking.
+// A failure of the transport, not an HTTP status: no connection, a time-out, a
+// refused redirect, an answer too large. It ends the operation that was asking.
 class RegistryError : public std::runtime_error {
 public:
     explicit RegistryError(const QString& message) : std::runtime_error(message.toStdString()) {}
     QString message() const { return QString::fromUtf8(what()); }
+};
+
+// The user asked to stop while a request was waited for; the request is aborted.
+class RequestCancelled : public RegistryError {
+public:
+    RequestCancelled() : RegistryError(QStringLiteral("Przerwano na żądanie użytkownika")) {}
+};
+
+// What every request of one client shares.
+struct ExchangeRules {
+    int timeoutMs = 150'000;
+    qint64 maxAnswerBytes = 64ll << 20;
+    std::function<bool()> cancelRequested;
+    // Requests of this client that have left and are not finished; a request
+    // still queued behind them for a connection is not timing out.
+    std::shared_ptr<int> sentAndOpen = std::make_shared<int>(0);
 };
 
 // The outcome of one request once it has finished.
@@ -24,33 +42,51 @@ struct HttpResult {
     int status = 0;          // HTTP status, 0 when none came
     QString statusLine;      // "HTTP/1.1 500 Internal Server Error"
     QByteArray body;
-    QString transportError;  // set when no HTTP answer came (see RegistryError)
+    QString failure;         // set when no whole answer came, in words for the user
+    bool cancelled = false;
 
-    bool httpError() const { return transportError.isEmpty() && status >= 400; }
+    bool httpError() const { return failure.isEmpty() && status >= 400; }
 };
 
-// One request in flight, with its own time-out. Waiting runs a local event
-// loop, so a window keeps painting while the registry answers.
+// One request in flight, with its own time-out and size limit. Waiting runs a
+// local event loop, so a window keeps painting while the registry answers, and
+// a stop asked for meanwhile aborts the request at once.
 class HttpExchange {
 public:
     enum class Verb { Get, Post };
-    HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRequest request, QByteArray body, int timeoutMs);
+    HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRequest request, const QByteArray& body,
+                 ExchangeRules rules);
     ~HttpExchange();
     HttpExchange(const HttpExchange&) = delete;
     HttpExchange& operator=(const HttpExchange&) = delete;
 
-    bool finished() const;
     const HttpResult& wait();
-    void abort();
 
 private:
+    enum class Abort { None, TimedOut, TooLarge, RedirectRefused, Cancelled };
+
+    void watchReply();
+    void markSent();
+    void markFinished();
+    void onTimeout();
+    void onRedirect(const QUrl& target);
+    void readArrived();
+    void abortFor(Abort reason);
     void collect();
+    QString failureText() const;
 
     std::unique_ptr<QNetworkReply> reply_;
     std::unique_ptr<QTimer> timer_;
-    bool timedOut_ = false;
+    ExchangeRules rules_;
+    QUrl origin_;
+    Abort abort_ = Abort::None;
+    QString refusedTarget_;
     bool sent_ = false;
+    bool counted_ = false; // counted in rules_.sentAndOpen
     bool collected_ = false;
-    int timeoutMs_;
     HttpResult result_;
 };
+
+// The registry's own words in an error answer: "komunikat" at its root or in
+// its error entries; empty when it has none.
+QString RegistryMessageIn(const QByteArray& body);

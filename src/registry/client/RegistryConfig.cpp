@@ -2,15 +2,18 @@
 
 #include "framework/IniFile.h"
 
-#include <algorithm>
-
 RegistryConfig RegistryConfig::read(const IniFile& settings)
 {
     const QString section = QStringLiteral("IRZ");
     RegistryConfig config;
     config.ssoBase = settings.readString(section, QStringLiteral("SsoBase"), config.ssoBase);
     config.apiBase = settings.readString(section, QStringLiteral("ApiBase"), config.apiBase);
-    config.maxParallelRequests =
-        std::clamp(settings.readInteger(section, QStringLiteral("MaxParallelRequests"), config.maxParallelRequests), 1, 64);
+    const auto bounded = [&](const char* key, int defaultValue, int most) {
+        return settings.readInteger(section, QLatin1String(key), defaultValue, {1, most}, config.problems);
+    };
+    config.maxParallelRequests = bounded("MaxParallelRequests", config.maxParallelRequests, MaxParallelRequestsLimit);
+    config.getTimeoutMs = bounded("TimeoutSeconds", config.getTimeoutMs / 1000, TimeoutSecondsLimit) * 1000;
+    config.postTimeoutMs = bounded("PostTimeoutSeconds", config.postTimeoutMs / 1000, TimeoutSecondsLimit) * 1000;
+    config.maxAnswerBytes = qint64{bounded("MaxAnswerMB", static_cast<int>(config.maxAnswerBytes >> 20), 4096)} << 20;
     return config;
 }

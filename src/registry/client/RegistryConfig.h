@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class IniFile;
 
@@ -11,6 +12,11 @@ struct RegistryConfig {
     int maxParallelRequests = 8; // single-animal requests kept in flight; 1 = one after another
     int getTimeoutMs = 150'000;
     int postTimeoutMs = 450'000;
+    qint64 maxAnswerBytes = 64ll << 20;
+    QStringList problems; // settings refused while reading, each replaced by its default
 
     static RegistryConfig read(const IniFile& settings);
 };
+
+inline constexpr int MaxParallelRequestsLimit = 64;
+inline constexpr int TimeoutSecondsLimit = 3600;

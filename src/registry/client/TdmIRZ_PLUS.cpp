@@ -20,10 +20,32 @@ QString Text(const char* utf8)
     return QString::fromUtf8(utf8);
 }
 
+// The registry's own words first, when its error answer has them.
+QString StatusAndMessage(const HttpResult& result)
+{
+    const QString message = RegistryMessageIn(result.body);
+    return message.isEmpty() ? result.statusLine : message + QStringLiteral(" (") + result.statusLine + u')';
+}
+
 bool IsLoopback(const QString& base)
 {
     const QString host = QUrl(base).host();
     return host == u"localhost" || QHostAddress(host).isLoopback();
+}
+
+// A password or a token travels in clear text only to this very machine.
+bool SafeToSendSecrets(const QString& base)
+{
+    return QUrl(base).scheme() == u"https" || IsLoopback(base);
+}
+
+constexpr qsizetype MaxTokenLength = 16 * 1024;
+
+// A token goes into a header line: blanks or control characters would break it.
+bool PlainToken(const QString& token)
+{
+    return !token.isEmpty() && token.size() <= MaxTokenLength &&
+           std::all_of(token.begin(), token.end(), [](QChar c) { return c.unicode() > 0x20 && c.unicode() < 0x7f; });
 }
 } // namespace
 
@@ -44,37 +66,53 @@ bool TdmIRZ_PLUS::connected() const
 bool TdmIRZ_PLUS::Authorize(const QString& login, const QString& password)
 {
     const QString caption = Text("Bład...");
+    const QString failed = Text("Autoryzacja zakończona z błędem: ");
+    for (const QString& base : {config_.ssoBase, config_.apiBase}) {
+        if (!SafeToSendSecrets(base)) {
+            host_.showMessage(caption, failed + Text("adres serwera musi zaczynać się od https:// (%1)").arg(base),
+                              MessageIcon::Error);
+            return false;
+        }
+    }
     if (!connected()) {
         host_.showMessage(caption, Text("Program nie ma dostępu do internetu"), MessageIcon::Error);
         return false;
     }
+    const QString failure = requestToken(login, password);
+    if (failure.isNull())
+        return true;
+    if (failure == u"Unauthorized")
+        host_.showMessage(caption, Text("Brak autoryzacji (Być może niepoprawny login/hasło)"), MessageIcon::Error);
+    else if (!failure.isEmpty())
+        host_.showMessage(caption, failed + failure, MessageIcon::Error);
+    return false;
+}
+
+// Null on success; empty when the user stopped; otherwise why the log-in failed.
+QString TdmIRZ_PLUS::requestToken(const QString& login, const QString& password)
+{
     // The values go in as typed, without percent-encoding.
     const QString body = QStringLiteral("username=") + login + u'&' + QStringLiteral("password=") + password + u'&' +
                          QStringLiteral("client_id=aplikacja-irzplus") + u'&' + QStringLiteral("grant_type=password");
     QNetworkRequest request(QUrl(config_.ssoBase + QStringLiteral("/auth/realms/ewniosekplus/protocol/openid-connect/token")));
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/x-www-form-urlencoded"));
-    HttpExchange exchange(network_, HttpExchange::Verb::Post, request, body.toUtf8(), config_.getTimeoutMs);
+    HttpExchange exchange(network_, HttpExchange::Verb::Post, request, body.toUtf8(), rules(config_.getTimeoutMs));
     const HttpResult& result = exchange.wait();
-    QString failure;
-    if (!result.transportError.isEmpty())
-        failure = result.transportError;
-    else if (result.status == 401)
-        failure = QStringLiteral("Unauthorized");
-    else if (result.httpError())
-        failure = result.statusLine;
-    else {
-        const QJsonValue token = QJsonDocument::fromJson(result.body).object().value(u"access_token");
-        if (token.isString() && !token.toString().isEmpty()) {
-            Token = token.toString();
-            return true;
-        }
-        failure = Text("odpowiedź serwera nie zawiera tokenu dostępu");
-    }
-    if (failure == u"Unauthorized")
-        host_.showMessage(caption, Text("Brak autoryzacji (Być może niepoprawny login/hasło)"), MessageIcon::Error);
-    else
-        host_.showMessage(caption, Text("Autoryzacja zakończona z błędem: ") + failure, MessageIcon::Error);
-    return false;
+    if (result.cancelled)
+        return QStringLiteral("");
+    if (!result.failure.isEmpty())
+        return result.failure;
+    if (result.status == 401)
+        return QStringLiteral("Unauthorized");
+    if (result.httpError())
+        return StatusAndMessage(result);
+    const QJsonValue token = QJsonDocument::fromJson(result.body).object().value(u"access_token");
+    if (!token.isString() || token.toString().isEmpty())
+        return Text("odpowiedź serwera nie zawiera tokenu dostępu");
+    if (!PlainToken(token.toString()))
+        return Text("serwer zwrócił niepoprawny token dostępu");
+    Token = token.toString();
+    return {};
 }
 
 QString TdmIRZ_PLUS::apiUrl(const QString& path, bool testBranch) const
@@ -93,19 +131,32 @@ QNetworkRequest TdmIRZ_PLUS::apiRequest(const QString& url, bool jsonBody) const
     return request;
 }
 
+ExchangeRules TdmIRZ_PLUS::rules(int timeoutMs) const
+{
+    return {timeoutMs, config_.maxAnswerBytes, [this] { return host_.cancelRequested(); }, sentAndOpen_};
+}
+
 std::unique_ptr<HttpExchange> TdmIRZ_PLUS::startGet(const QString& url)
 {
     return std::make_unique<HttpExchange>(network_, HttpExchange::Verb::Get, apiRequest(url, false), QByteArray(),
-                                          config_.getTimeoutMs);
+                                          rules(config_.getTimeoutMs));
 }
 
+// A failure after the status line (the connection dropped, the time-out struck
+// while the body came, a refused redirect) is a failed answer, never an empty
+// good one; a failure before any answer ends the operation.
 QString TdmIRZ_PLUS::getAnswer(HttpExchange& exchange)
 {
     const HttpResult& result = exchange.wait();
-    if (!result.transportError.isEmpty())
-        throw RegistryError(result.transportError);
+    if (result.cancelled)
+        throw RequestCancelled();
+    if (!result.failure.isEmpty()) {
+        if (result.status == 0)
+            throw RegistryError(result.failure);
+        return ErrorMarker + result.failure;
+    }
     if (result.httpError())
-        return ErrorMarker + result.statusLine;
+        return ErrorMarker + StatusAndMessage(result);
     return QString::fromUtf8(result.body);
 }
 
@@ -116,12 +167,15 @@ QString TdmIRZ_PLUS::GetJson(const QString& url)
 
 QString TdmIRZ_PLUS::post(const QString& url, const QByteArray& body)
 {
-    HttpExchange exchange(network_, HttpExchange::Verb::Post, apiRequest(url, true), body, config_.postTimeoutMs);
+    HttpExchange exchange(network_, HttpExchange::Verb::Post, apiRequest(url, true), body,
+                          rules(config_.postTimeoutMs));
     const HttpResult& result = exchange.wait();
-    if (!result.transportError.isEmpty())
-        throw RegistryError(result.transportError);
+    if (result.cancelled)
+        throw RequestCancelled();
+    if (!result.failure.isEmpty())
+        throw RegistryError(result.failure);
     if (result.httpError())
-        throw RegistryError(result.statusLine + u' ' + QString::fromUtf8(result.body.left(500)));
+        throw RegistryError(Text("Serwer zgłosił błąd: ") + StatusAndMessage(result));
     return QString::fromUtf8(result.body);
 }
 

@@ -15,8 +15,9 @@ class OperationHost;
 inline const QString ErrorMarker = QStringLiteral("\tERR\t");
 
 // The registry client: logs in, then asks the registry with the token. GETs
-// turn HTTP errors into the error marker; POSTs and transport failures raise
-// RegistryError.
+// turn HTTP errors, and answers broken after their status line, into the error
+// marker; POSTs and failures without any answer raise RegistryError, and a stop
+// asked for by the user raises RequestCancelled.
 class TdmIRZ_PLUS {
 public:
     TdmIRZ_PLUS(RegistryConfig config, OperationHost& host);
@@ -64,8 +65,10 @@ public:
     AnimalQueue animalQueue(const QString& producerNumber, QStringList animals, bool test);
 
 private:
+    QString requestToken(const QString& login, const QString& password);
     QString apiUrl(const QString& path, bool test) const;
     QNetworkRequest apiRequest(const QString& url, bool jsonBody) const;
+    ExchangeRules rules(int timeoutMs) const;
     std::unique_ptr<HttpExchange> startGet(const QString& url);
     QString getAnswer(HttpExchange& exchange);
     QString post(const QString& url, const QByteArray& body);
@@ -75,4 +78,5 @@ private:
     RegistryConfig config_;
     OperationHost& host_;
     QNetworkAccessManager network_;
+    std::shared_ptr<int> sentAndOpen_ = std::make_shared<int>(0);
 };

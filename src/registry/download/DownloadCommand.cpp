@@ -26,7 +26,10 @@ QString ErrorCaption()
     return Text("Błąd...");
 }
 
-struct Cancelled {};
+QString AfterMarker(const QString& answer)
+{
+    return answer.mid(answer.indexOf(ErrorMarker) + ErrorMarker.size());
+}
 
 // A registry answer as a JSON object; an answer that is not JSON ends the command.
 QJsonObject ParseAnswer(const QString& answer)
@@ -87,7 +90,10 @@ DownloadOutcome DownloadCommand::download()
         return DownloadOutcome::NotStarted;
     session_.ClearAllData();
     session_.BeginLongOperation();
-    activeHerds_ = herdsRead_ = 0;
+    for (const QString& problem : registry_.config().problems)
+        session_.appendError(problem);
+    activeHerds_ = herdsRead_ = incompleteHerds_ = bornAfterReference_ = 0;
+    slotHolders_.fill(QString());
     DownloadOutcome outcome = DownloadOutcome::Stopped;
     try {
         normaliseDates();
@@ -98,9 +104,10 @@ DownloadOutcome DownloadCommand::download()
             WelfareAnalysis analysis(session_.tables(), limits, session_.halvarnFlags);
             for (std::size_t i = 0; i < herds.size(); ++i)
                 readHerd(*herds[i], static_cast<int>(i), analysis);
-            outcome = DownloadOutcome::Completed;
+            reportLateReferenceDate();
+            outcome = incompleteHerds_ > 0 ? DownloadOutcome::Incomplete : DownloadOutcome::Completed;
         }
-    } catch (const Cancelled&) {
+    } catch (const RequestCancelled&) {
     } catch (const std::exception& error) {
         session_.EndLongOperation();
         session_.host().showMessage(Text("Błąd"), QString::fromUtf8(error.what()), MessageIcon::Error);
@@ -138,9 +145,11 @@ void DownloadCommand::writeProducerHeader()
     tables.restoreReadOnly(producer);
 }
 
-void DownloadCommand::fail(const QString& text)
+// Shows the failure that ends a herd and gives it back as the herd's reason.
+QString DownloadCommand::fail(const QString& text)
 {
     session_.host().showMessage(ErrorCaption(), text, MessageIcon::Error);
+    return text;
 }
 
 bool DownloadCommand::readHerdList(OwningList<TStadoClass>& herds)
@@ -153,7 +162,7 @@ bool DownloadCommand::readHerdList(OwningList<TStadoClass>& herds)
     session_.stepProgress(1);
     const QString answer = registry_.ListHoldings(session_.ProducerNumber, {}, {}, {}, false);
     if (answer.contains(ErrorMarker)) {
-        fail(Text("Serwer zgłosił błąd: ") + answer.mid(answer.indexOf(ErrorMarker) + ErrorMarker.size()));
+        fail(Text("Serwer zgłosił błąd: ") + AfterMarker(answer));
         return false;
     }
     const QJsonObject root = ParseAnswer(answer);
@@ -176,49 +185,79 @@ bool DownloadCommand::readHerdList(OwningList<TStadoClass>& herds)
 
 void DownloadCommand::readHerd(const TStadoClass& herd, int index, WelfareAnalysis& analysis)
 {
-    const QString& number = herd.numerDzialalnosci;
-    const QString code = HerdCode(number);
-    const int slot = HerdSlot(code, number);
+    HerdRead read{herd.numerDzialalnosci, HerdCode(herd.numerDzialalnosci), 0};
+    read.slot = HerdSlot(read.code, read.number);
     if (herd.stanDzialalnosci.kod != QLatin1String(ActiveHerdState))
         return;
-    if (slot < 1 || slot >= HerdSlotCount)
-        throw RegistryError(Text("Stado %1 (%2) nie mieści się w 20 zakładkach stad").arg(code, number));
-    session_.SetStatusText(StatusPanel::Herd, QStringLiteral("Stado: ") + code);
+    if (read.slot < 1 || read.slot >= HerdSlotCount)
+        throw RegistryError(Text("Stado %1 (%2) nie mieści się w 20 zakładkach stad").arg(read.code, read.number));
+    if (!claimSlot(read))
+        return;
+    try {
+        const QString reason = readHerdAnimals(read, index, analysis);
+        if (!reason.isEmpty())
+            markIncomplete(read, reason);
+    } catch (const RequestCancelled& stop) {
+        markIncomplete(read, stop.message());
+        throw;
+    } catch (const std::exception& error) {
+        markIncomplete(read, QString::fromUtf8(error.what()));
+        throw;
+    }
+}
+
+// Two holdings whose numbers give the same herd code would be counted into one
+// tab: the first keeps it, the second is refused.
+bool DownloadCommand::claimSlot(const HerdRead& herd)
+{
+    QString& holder = slotHolders_[static_cast<std::size_t>(herd.slot)];
+    if (holder.isEmpty()) {
+        holder = herd.number;
+        return true;
+    }
+    ++incompleteHerds_;
+    session_.appendError(Text("Stado %1 (działalność %2) pominięte: ten sam numer stada ma działalność %3")
+                             .arg(herd.code, herd.number, holder));
+    return false;
+}
+
+// Empty when the herd was read whole (or has no animals); otherwise why it ended early.
+QString DownloadCommand::readHerdAnimals(HerdRead& herd, int index, WelfareAnalysis& analysis)
+{
+    session_.SetStatusText(StatusPanel::Herd, QStringLiteral("Stado: ") + herd.code);
     session_.SetStatusText(StatusPanel::Step, QStringLiteral("Pobieranie danych"));
     session_.stepProgress(1);
-    const QString answer = registry_.ListAnimals(session_.ProducerNumber, number, QStringLiteral("BYD"), {}, {}, {},
-                                                 {}, stateDate_, false);
+    const QString answer = registry_.ListAnimals(session_.ProducerNumber, herd.number, QStringLiteral("BYD"), {}, {},
+                                                 {}, {}, stateDate_, false);
     session_.appendLoaded(answer);
-    if (answer.contains(ErrorMarker)) {
-        fail(Text("Serwer zgłosił błąd: ") + answer.mid(answer.indexOf(ErrorMarker) + ErrorMarker.size()));
-        return;
-    }
+    if (answer.contains(ErrorMarker))
+        return fail(Text("Serwer zgłosił błąd: ") + AfterMarker(answer));
     if (answer.isEmpty())
-        return;
+        return Text("pusta odpowiedź serwera na listę zwierząt");
     const QJsonObject root = ParseAnswer(answer);
-    if (root.contains(u"komunikat")) {
-        fail(Text("Serwer zwrócił komunikat: ") + root.value(u"komunikat").toString());
-        return;
-    }
+    if (root.contains(u"komunikat"))
+        return fail(Text("Serwer zwrócił komunikat: ") + root.value(u"komunikat").toString());
     OwningList<TZZIInfoClass> animals;
     ParseList<TZZIInfoClass>(root, QStringLiteral("listaZwierzeta"), animals);
     if (animals.empty()) {
-        session_.appendError(Text("Brak zwierząt w stadzie: ") + number);
-        return;
+        session_.appendError(Text("Brak zwierząt w stadzie: ") + herd.number);
+        return {};
     }
+    herd.listed = static_cast<qsizetype>(animals.size());
     ++herdsRead_;
     ++session_.herdCount;
-    THerdSlot& target = session_.tables().HerdSlots[static_cast<std::size_t>(slot)];
-    target.Code = code;
+    THerdSlot& target = session_.tables().HerdSlots[static_cast<std::size_t>(herd.slot)];
+    target.Code = herd.code;
     target.Index = index;
     target.Visible = true;
     session_.tables().HerdSlots[0].Visible = true;
-    readAnimals(animals, code, slot, analysis);
+    const QString reason = readAnimals(animals, herd, analysis);
     session_.setProgress(2, 0, session_.progress(2).maximum);
+    return reason;
 }
 
-bool DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, const QString& code, int slot,
-                                  WelfareAnalysis& analysis)
+QString DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, HerdRead& herd,
+                                     WelfareAnalysis& analysis)
 {
     session_.SetStatusText(StatusPanel::Step, QStringLiteral("Rozczytywanie danych"));
     session_.setProgress(2, 0, static_cast<int>(animals.size()));
@@ -227,38 +266,63 @@ bool DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, cons
         numbers.append(animal->numerIdentyfikacyjnyZwierzecia);
     auto queue = registry_.animalQueue(session_.ProducerNumber, numbers, false);
     AnimalRowWriter writer(session_.tables());
-    for (std::size_t k = 0; k < animals.size(); ++k) {
-        const TZZIInfoClass& animal = *animals[k];
+    for (const auto& entry : animals) {
+        const TZZIInfoClass& animal = *entry;
         const QString& number = animal.numerIdentyfikacyjnyZwierzecia;
-        if (session_.host().cancelRequested()) {
-            session_.appendError(Text("Pobieranie przerwane przez użytkownika: stado %1, zapisano %2 z %3 zwierząt")
-                                     .arg(code).arg(k).arg(animals.size()));
-            throw Cancelled{};
-        }
+        if (session_.host().cancelRequested())
+            throw RequestCancelled();
         session_.SetStatusText(StatusPanel::Step, Text("Pobier. dod. inform.: ") + number);
         const QString single = queue.next();
-        if (single.contains(ErrorMarker)) {
-            fail(Text("Serwer zgłosił błąd: ") + single.mid(single.indexOf(ErrorMarker) + ErrorMarker.size()));
-            return false;
-        }
+        if (single.contains(ErrorMarker))
+            return fail(Text("Serwer zgłosił błąd: ") + AfterMarker(single));
         const int age = AgeInMonths(animal.dataUrodzenia, referenceDate_);
         bool czyMatka = animal.czyMatka;
         if (animal.plec.kod == QLatin1String("XX") && age > 14 && !single.isEmpty()) {
             const QJsonObject root = ParseAnswer(single);
-            if (root.contains(u"komunikat")) {
-                fail(Text("Serwer zwrócił komunikat: ") + root.value(u"komunikat").toString());
-                return false;
-            }
+            if (root.contains(u"komunikat"))
+                return fail(Text("Serwer zwrócił komunikat: ") + root.value(u"komunikat").toString());
             czyMatka = TZZIInfoClass::ParseOne(root)->czyMatka;
         }
+        if (animal.dataUrodzenia > referenceDate_)
+            ++bornAfterReference_;
         session_.stepProgress(2);
         session_.SetStatusText(StatusPanel::Step, Text("Rozczytywanie danych: ") + number);
-        writer.write(animal, czyMatka, age, code, slot);
+        writer.write(animal, czyMatka, age, herd.code, herd.slot);
         AnimalFacts facts{animal.plec.kod, animal.typUzytkowy.kod, animal.kierunekUzytkownia.kod, age, true,
                           [this, &animals, &number] { return calfAge(animals, number); }};
-        analysis.analyse(facts, slot);
+        analysis.analyse(facts, herd.slot);
+        ++herd.read;
     }
-    return true;
+    return {};
+}
+
+// The herd's line names it, says how much of its list was read and why it
+// ended; its tab carries the same line, so a partial count is never taken for
+// a whole one.
+void DownloadCommand::markIncomplete(const HerdRead& herd, const QString& reason)
+{
+    ++incompleteHerds_;
+    const QString extent = herd.listed < 0 ? Text("nie odczytano listy zwierząt")
+                                           : Text("odczytano %1 z %2 zwierząt").arg(herd.read).arg(herd.listed);
+    const QString line =
+        Text("Stado %1 (działalność %2) niepełne: %3. Przyczyna: %4").arg(herd.code, herd.number, extent, reason);
+    THerdSlot& slot = session_.tables().HerdSlots[static_cast<std::size_t>(herd.slot)];
+    slot.Code = herd.code;
+    slot.Visible = true;
+    slot.Incomplete = line;
+    session_.tables().HerdSlots[0].Visible = true;
+    session_.appendError(line);
+}
+
+// The age formula still applies to an animal born after the reference date; the
+// user is told how many there are.
+void DownloadCommand::reportLateReferenceDate()
+{
+    if (bornAfterReference_ == 0)
+        return;
+    session_.appendError(Text("Data \"Halvarn na dzień\" (%1) jest wcześniejsza niż data urodzenia %2 zwierząt")
+                             .arg(session_.inputs.referenceDate.toString(u"yyyy-MM-dd"))
+                             .arg(bornAfterReference_));
 }
 
 int DownloadCommand::calfAge(const OwningList<TZZIInfoClass>& animals, const QString& cowNumber) const

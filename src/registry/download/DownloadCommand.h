@@ -1,8 +1,11 @@
 #pragma once
 
+#include "app/tables/WorkingTables.h"
 #include "registry/records/ZZIInfo.h"
 
 #include <QString>
+
+#include <array>
 
 class HalvarnSession;
 class TdmIRZ_PLUS;
@@ -11,7 +14,8 @@ class TStadoClass;
 
 enum class DownloadOutcome {
     NotStarted, // no producer number, or the user kept the loaded data
-    Completed,  // ran to its end; herd-level failures included
+    Completed,  // ran to its end and read every active herd whole
+    Incomplete, // ran to its end, but at least one herd ended early (see THerdSlot::Incomplete)
     Stopped,    // ended early: log-in, holdings, an unexpected error, or cancelled
 };
 
@@ -24,15 +28,27 @@ public:
     DownloadOutcome run();
 
 private:
+    // How far the reading of one herd got, for the line of a herd that ends early.
+    struct HerdRead {
+        QString number; // holding number
+        QString code;
+        int slot = 0;
+        qsizetype listed = -1; // animals on the list; -1 while there is no list
+        qsizetype read = 0;
+    };
+
     DownloadOutcome download();
     void normaliseDates();
     void writeProducerHeader();
     bool readHerdList(OwningList<TStadoClass>& herds);
     void readHerd(const TStadoClass& herd, int index, WelfareAnalysis& analysis);
-    bool readAnimals(const OwningList<TZZIInfoClass>& animals, const QString& code, int slot,
-                     WelfareAnalysis& analysis);
+    bool claimSlot(const HerdRead& herd);
+    QString readHerdAnimals(HerdRead& herd, int index, WelfareAnalysis& analysis);
+    QString readAnimals(const OwningList<TZZIInfoClass>& animals, HerdRead& herd, WelfareAnalysis& analysis);
     int calfAge(const OwningList<TZZIInfoClass>& animals, const QString& cowNumber) const;
-    void fail(const QString& text);
+    void markIncomplete(const HerdRead& herd, const QString& reason);
+    void reportLateReferenceDate();
+    QString fail(const QString& text);
 
     HalvarnSession& session_;
     TdmIRZ_PLUS& registry_;
@@ -40,6 +56,9 @@ private:
     TDateTime referenceDate_ = EmptyDate;
     int activeHerds_ = 0;
     int herdsRead_ = 0;
+    int incompleteHerds_ = 0;
+    int bornAfterReference_ = 0;
+    std::array<QString, HerdSlotCount> slotHolders_; // holding number that took each slot
 };
 
 // Age on the reference date of the first animal of the list with this number; 0 when none has it.

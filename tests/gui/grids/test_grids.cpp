@@ -14,6 +14,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QStyle>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
@@ -118,6 +119,13 @@ QString Alignments(const QAbstractItemModel& model, const QModelIndex& row)
     return letters;
 }
 
+// How wide a column must be to show `text` whole in `font`, the cell's margins included.
+int WholeWidth(const QWidget& view, const QString& text, const QFont& font)
+{
+    const int margin = view.style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1;
+    return QFontMetrics(font).horizontalAdvance(text) + 2 * margin;
+}
+
 QList<int> Rows(const std::vector<int>& rows)
 {
     return {rows.cbegin(), rows.cend()};
@@ -196,6 +204,9 @@ private Q_SLOTS:
     void groupChoiceFollowsGrouping();
     void twentyThousandRowsResetQuickly();
     void markedRowsAreDrawnRed();
+    void summaryColumnsFitTheirWidestMarkedValue();
+    void groupGridFitsItsCaptionsAndIsShownWhole();
+    void columnsFitAgainAfterAReset();
 
 private:
     std::unique_ptr<WorkingTables> tables_;
@@ -961,6 +972,67 @@ void TestGrids::markedRowsAreDrawnRed()
     const QString screenshot = qEnvironmentVariable("HALVARN_GRID_SCREENSHOT");
     if (!screenshot.isEmpty())
         QVERIFY(image.save(screenshot));
+}
+
+void TestGrids::summaryColumnsFitTheirWidestMarkedValue()
+{
+    AppendHerd(*summary_);
+    const QString where = Text("Krowy mamki z cielętami 220 kg - 300 kg, 24 > Wiek");
+    const QString use = Text("WWW MMM mięsnomleczn"); // 20 characters, as many as the field holds
+    summary_->moveTo(1);
+    summary_->edit();
+    summary_->setValue(u"GdzieRozpatrzono", where);
+    summary_->setValue(u"TypUzytkowy", use);
+    summary_->setValue(u"Wiek", 123456);
+    summary_->post();
+    SetMark(*summary_, 1, true);
+    SummaryGrid grid(*summary_);
+    const QFont bold = SummaryModel::markedFont();
+    QHeaderView* header = grid.view()->header();
+    QVERIFY(header->sectionSize(ColumnOf(grid, QStringLiteral("GdzieRozpatrzono"))) >=
+            WholeWidth(*grid.view(), where, bold));
+    QVERIFY(header->sectionSize(ColumnOf(grid, QStringLiteral("TypUzytkowy"))) >= WholeWidth(*grid.view(), use, bold));
+    QVERIFY(header->sectionSize(ColumnOf(grid, QStringLiteral("Wiek"))) >=
+            WholeWidth(*grid.view(), QStringLiteral("123456"), bold));
+    for (int column = 0; column < header->count(); ++column) {
+        const QString caption = grid.model()->headerData(column, Qt::Horizontal).toString();
+        QVERIFY2(header->sectionSize(column) > header->fontMetrics().horizontalAdvance(caption), qPrintable(caption));
+    }
+}
+
+void TestGrids::groupGridFitsItsCaptionsAndIsShownWhole()
+{
+    const QString longest = Text("Krowy mamki z cielętami 220 kg - 300 kg");
+    AppendGroup(*groups_, 1, Text("Halvarn krów mamek"), 3);
+    AppendGroup(*groups_, 2, longest, 1);
+    TableGrid grid(*groups_, GridKind::Groups);
+    QHeaderView* header = grid.view()->horizontalHeader();
+    QVERIFY(header->sectionSize(0) >= WholeWidth(*grid.view(), longest, grid.view()->font()));
+    QVERIFY(grid.minimumSizeHint().width() > header->length());
+    TableGrid animals(*herd_, GridKind::HerdAnimals);
+    QVERIFY(animals.minimumSizeHint().width() < animals.view()->horizontalHeader()->length());
+}
+
+// The grids hear nothing while a long operation fills their tables; the reset at its end fits them.
+void TestGrids::columnsFitAgainAfterAReset()
+{
+    SummaryGrid summary(*summary_);
+    TableGrid herd(*herd_, GridKind::HerdAnimals);
+    const QString where = Text("Krowy mamki z cielętami 220 kg - 300 kg, 24 > Wiek");
+    for (Table* table : {summary_, herd_}) {
+        table->disableControls();
+        AppendHerd(*table);
+        table->moveTo(0);
+        table->edit();
+        table->setValue(u"GdzieRozpatrzono", where);
+        table->post();
+        table->enableControls();
+    }
+    QVERIFY(summary.view()->header()->sectionSize(ColumnOf(summary, QStringLiteral("GdzieRozpatrzono"))) >=
+            WholeWidth(*summary.view(), where, SummaryModel::markedFont()));
+    const int column = ColumnOfField(herd.columns(), QStringLiteral("GdzieRozpatrzono"));
+    QVERIFY(herd.view()->horizontalHeader()->sectionSize(column) >=
+            WholeWidth(*herd.view(), where, herd.view()->font()));
 }
 
 QTEST_MAIN(TestGrids)

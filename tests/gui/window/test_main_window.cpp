@@ -1,3 +1,4 @@
+#include "registry/client/RecordingServer.h"
 #include "support/Files.h"
 
 #include "app/grids/SummaryGrid.h"
@@ -7,12 +8,14 @@
 #include "app/window/TfHalvarnMain.h"
 #include "app/window/UserDialogs.h"
 #include "framework/Cp1250.h"
+#include "registry/sim/HttpLib.h"
 #include "registry/sim/RegistrySimulator.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -67,6 +70,70 @@ QString Text(const char* utf8)
 }
 
 const DemoOptions Demo;
+
+// The ear tag of an animal of the demo producer; herds count from 0.
+QString DemoTag(int herd, int animal)
+{
+    static const SimDataset data = GenerateDemoDataset(Demo);
+    const SimHolding& holding = data.producers.front().holdings[static_cast<std::size_t>(herd)];
+    return holding.animals[static_cast<std::size_t>(animal)].value(u"numerIdentyfikacyjnyZwierzecia").toString();
+}
+
+// The demo registry behind a front that passes every request on and lets a test
+// look at the window while the request is in flight; the requests a test picks
+// to stall are accepted and never answered.
+class FrontedRegistry {
+public:
+    using Request = RecordingServer::Request;
+    std::function<bool(const Request&)> stalls = [](const Request&) { return false; };
+    std::function<void(const Request&)> onRequest = [](const Request&) {};
+
+    FrontedRegistry() : front_([this](const Request& request) { return answer(request); })
+    {
+        QVERIFY(simulator_.start());
+    }
+    QString baseUrl() const { return front_.baseUrl(); }
+
+private:
+    RecordingServer::Reply answer(const Request& request)
+    {
+        onRequest(request);
+        if (stalls(request))
+            return RecordingServer::Silent();
+        return forward(request);
+    }
+
+    RecordingServer::Reply forward(const Request& request)
+    {
+        httplib::Client client(simulator_.baseUrl().toStdString());
+        client.set_url_encode(false);
+        httplib::Headers headers;
+        if (request.headers.contains("authorization"))
+            headers.emplace("Authorization", request.headers.value("authorization").toStdString());
+        const std::string target = request.target.toStdString();
+        const httplib::Result result =
+            request.method == "POST"
+                ? client.Post(target, headers, request.body.toStdString(),
+                              request.headers.value("content-type").toStdString())
+                : client.Get(target, headers);
+        if (!result)
+            return {502};
+        return {result->status, QByteArray::fromStdString(result->body)};
+    }
+
+    RegistrySimulator simulator_{GenerateDemoDataset(Demo)};
+    RecordingServer front_;
+};
+
+bool IsTokenRequest(const RecordingServer::Request& request)
+{
+    return request.target.contains("openid-connect/token");
+}
+
+bool IsAnimalRequestFor(const RecordingServer::Request& request, const QString& tag)
+{
+    return request.target.contains("/zwierzeIndywidualne") && request.target.contains(tag.toLatin1());
+}
 } // namespace
 
 class TestMainWindow : public QObject {
@@ -79,6 +146,8 @@ private:
     RecordingDialogs* dialogs_ = nullptr;
 
     void openWindow(const SimOptions& sim = {});
+    void openWindowOn(const QString& registryUrl);
+    bool anyHerdTabVisible() const;
     template <class T> T* child(const char* name) const
     {
         T* found = window_->findChild<T*>(QLatin1String(name));
@@ -99,6 +168,7 @@ private Q_SLOTS:
     void credentialsComeFromFieldsOrTestLogin_data();
     void credentialsComeFromFieldsOrTestLogin();
     void producerNumberIsNineCharactersAndEmptiesName();
+    void producerNumberTakesDigitsOnly();
     void passwordEllipsisTogglesEcho();
     void demoDownloadFillsTabsGridsAndMemos();
     void downloadOverLoadedDataAsksFirst_data();
@@ -106,6 +176,10 @@ private Q_SLOTS:
     void markingAnAnimalRedrawsItsRow();
     void cancelStopsDownloadWithConsistentTables_data();
     void cancelStopsDownloadWithConsistentTables();
+    void cancelAbortsTheRequestInFlight_data();
+    void cancelAbortsTheRequestInFlight();
+    void downloadHidesTheOldHerdsFromItsStart();
+    void herdEndedEarlySaysSoOnItsTab();
     void summaryExportsFollowTheGridsDisplayOrder();
     void herdExportCancelledWritesNothing();
     void changedLimitsTakeEffectAtTheNextClearing();
@@ -132,12 +206,25 @@ void TestMainWindow::openWindow(const SimOptions& sim)
 {
     registry_ = std::make_unique<RegistrySimulator>(GenerateDemoDataset(Demo), sim);
     QVERIFY(registry_->start());
+    openWindowOn(registry_->baseUrl());
+}
+
+void TestMainWindow::openWindowOn(const QString& registryUrl)
+{
     RegistryConfig config;
-    config.ssoBase = config.apiBase = registry_->baseUrl();
+    config.ssoBase = config.apiBase = registryUrl;
     auto dialogs = std::make_unique<RecordingDialogs>();
     dialogs_ = dialogs.get();
     window_ = std::make_unique<TfHalvarnMain>(DataFolder(data_->path()), config, std::move(dialogs));
     window_->show();
+}
+
+bool TestMainWindow::anyHerdTabVisible() const
+{
+    for (int slot = 0; slot < HerdSlotCount; ++slot)
+        if (window_->pages()->isTabVisible(window_->pages()->indexOf(window_->slotView(slot).TabSheet)))
+            return true;
+    return false;
 }
 
 void TestMainWindow::writeFile(const QString& name, const QByteArray& bytes)
@@ -235,6 +322,22 @@ void TestMainWindow::producerNumberIsNineCharactersAndEmptiesName()
     name->setText(QStringLiteral("Inny"));
     QTest::keyClick(number, Qt::Key_Backspace);
     QVERIFY(name->text().isEmpty());
+}
+
+void TestMainWindow::producerNumberTakesDigitsOnly()
+{
+    openWindow();
+    auto* number = child<QLineEdit>("edNumerProducenta");
+    QTest::keyClicks(number, QStringLiteral("07a1/2 3.4-5\\6&7?8"));
+    QCOMPARE(number->text(), QStringLiteral("071234567"));
+    number->clear();
+    number->insert(QStringLiteral("0712&x=1")); // as pasted
+    QVERIFY(number->text().isEmpty());
+    number->insert(Text("٠٧١")); // digits of another script
+    QVERIFY(number->text().isEmpty());
+    window_->fillLogin(Demo.login, Demo.password, QStringLiteral("../071234562"));
+    click("cxButton1");
+    QCOMPARE(dialogs_->texts(), QStringList{Text("Nie podanu mumeru producenta")});
 }
 
 void TestMainWindow::passwordEllipsisTogglesEcho()
@@ -364,11 +467,11 @@ void TestMainWindow::cancelStopsDownloadWithConsistentTables()
     });
     click("cxButton1");
     QVERIFY(lockedWhileRunning);
-    QVERIFY(window_->isVisible());
+    QCOMPARE(window_->isVisible(), !byClosing);
     QVERIFY(!child<QPushButton>("cxButtonPrzerwij")->isVisible());
     QVERIFY(child<QPushButton>("cxButton1")->isEnabled());
     const QString errors = child<QPlainTextEdit>("mErrors")->toPlainText();
-    QVERIFY2(errors.contains(Text("Pobieranie przerwane przez użytkownika")), qPrintable(errors));
+    QVERIFY2(errors.contains(Text("Przerwano na żądanie użytkownika")), qPrintable(errors));
     WorkingTables& tables = window_->session().tables();
     int written = 0;
     for (int slot = 1; slot < HerdSlotCount; ++slot)
@@ -378,6 +481,107 @@ void TestMainWindow::cancelStopsDownloadWithConsistentTables()
     QCOMPARE(tables.mdRZ00().recordCount(), written);
     QCOMPARE(sumOf(tables.mdGT00(), "Ilosc"), written);
     QCOMPARE(window_->summaryGrid()->footerText(QStringLiteral("NumerIdentyfikacyjny")), QString::number(written));
+}
+
+void TestMainWindow::cancelAbortsTheRequestInFlight_data()
+{
+    QTest::addColumn<bool>("stallLogIn");
+    QTest::addColumn<bool>("byClosing");
+    QTest::newRow("Przerwij while logging in") << true << false;
+    QTest::newRow("Przerwij while an animal is asked") << false << false;
+    QTest::newRow("closing while logging in") << true << true;
+    QTest::newRow("closing while an animal is asked") << false << true;
+}
+
+// A registry that never answers is left at once, not after the 150 s time-out.
+void TestMainWindow::cancelAbortsTheRequestInFlight()
+{
+    QFETCH(bool, stallLogIn);
+    QFETCH(bool, byClosing);
+    FrontedRegistry registry;
+    const QString stalledTag = DemoTag(0, 2);
+    registry.stalls = [&](const RecordingServer::Request& request) {
+        return stallLogIn ? IsTokenRequest(request) : IsAnimalRequestFor(request, stalledTag);
+    };
+    QElapsedTimer sinceCancel;
+    bool stalled = false;
+    registry.onRequest = [&](const RecordingServer::Request& request) {
+        if (stalled || !registry.stalls(request))
+            return;
+        stalled = true;
+        QTimer::singleShot(300, window_.get(), [&] {
+            sinceCancel.start();
+            if (byClosing)
+                window_->close();
+            else
+                child<QPushButton>("cxButtonPrzerwij")->click();
+        });
+    };
+    openWindowOn(registry.baseUrl());
+    fillDemoLogin();
+    click("cxButton1");
+    QVERIFY(stalled);
+    QVERIFY(sinceCancel.isValid());
+    QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
+    QCOMPARE(window_->isVisible(), !byClosing);
+    QCOMPARE(dialogs_->texts(), QStringList()); // a stop the user asked for needs no message box
+    QVERIFY(!window_->operationRunning());
+    QVERIFY(!window_->statusDisplay()->busy());
+    QVERIFY(child<QPushButton>("cxButton1")->isEnabled());
+    WorkingTables& tables = window_->session().tables();
+    QVERIFY(tables.mdRZ00().recordCount() < Demo.herdSizes[0]);
+    QCOMPARE(tables.mdRZ00().recordCount(), tables.mdRZ(1).recordCount());
+}
+
+// From the clearing on, no herd tab shows the data being replaced or half read.
+void TestMainWindow::downloadHidesTheOldHerdsFromItsStart()
+{
+    FrontedRegistry registry;
+    openWindowOn(registry.baseUrl());
+    fillDemoLogin();
+    click("cxButton1");
+    QVERIFY(anyHerdTabVisible());
+    window_->pages()->setCurrentWidget(window_->slotView(1).TabSheet);
+
+    int requests = 0;
+    int herdTabsSeen = 0;
+    int gridsSeen = 0;
+    registry.onRequest = [&](const RecordingServer::Request&) {
+        ++requests;
+        if (anyHerdTabVisible())
+            ++herdTabsSeen;
+        if (window_->pages()->currentWidget() != child<QWidget>("tsPobraneDane"))
+            ++gridsSeen;
+    };
+    dialogs_->answerYes = true;
+    click("cxButton1");
+    QVERIFY(requests > Demo.herdSizes[0]);
+    QCOMPARE(herdTabsSeen, 0);
+    QCOMPARE(gridsSeen, 0);
+    QVERIFY(anyHerdTabVisible());
+    QCOMPARE(window_->pages()->currentWidget(), window_->slotView(1).TabSheet);
+}
+
+void TestMainWindow::herdEndedEarlySaysSoOnItsTab()
+{
+    SimOptions sim;
+    sim.faults.httpErrorAnimals = {DemoTag(1, 10)};
+    openWindow(sim);
+    fillDemoLogin();
+    click("cxButton1");
+    QTabWidget* pages = window_->pages();
+    const auto& slots = window_->session().tables().HerdSlots;
+    const QString errors = child<QPlainTextEdit>("mErrors")->toPlainText();
+    for (int slot = 1; slot <= static_cast<int>(Demo.herdSizes.size()); ++slot) {
+        const int index = pages->indexOf(window_->slotView(slot).TabSheet);
+        const QString code = QStringLiteral("%1").arg(slot, 3, 10, QLatin1Char('0'));
+        const QString& incomplete = slots[static_cast<std::size_t>(slot)].Incomplete;
+        QVERIFY(pages->isTabVisible(index));
+        QCOMPARE(incomplete.isEmpty(), slot != 2);
+        QCOMPARE(pages->tabText(index), slot == 2 ? code + Text(" (niepełne)") : code);
+        QCOMPARE(pages->tabToolTip(index), incomplete);
+        QVERIFY2(errors.contains(incomplete), qPrintable(errors));
+    }
 }
 
 void TestMainWindow::summaryExportsFollowTheGridsDisplayOrder()

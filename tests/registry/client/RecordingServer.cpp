@@ -44,6 +44,8 @@ void RecordingServer::readFrom(QTcpSocket* socket)
     pending_.remove(socket);
     requests_.push_back(request);
     const Reply reply = responder_(request);
+    if (reply.status == 0)
+        return;
     mostUnanswered_ = std::max(mostUnanswered_, ++unanswered_);
     if (reply.delayMs > 0)
         QTimer::singleShot(reply.delayMs, socket, [this, socket, reply] { answer(socket, reply); });
@@ -58,8 +60,16 @@ void RecordingServer::answer(QTcpSocket* socket, const Reply& reply)
                               : reply.status == 200   ? QByteArray("OK")
                               : reply.status == 401   ? QByteArray("Unauthorized")
                                                       : QByteArray("Internal Server Error");
-    socket->write("HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reason + "\r\nContent-Type: application/json\r\n"
-                  "Content-Length: " + QByteArray::number(reply.body.size()) + "\r\nConnection: close\r\n\r\n" +
-                  reply.body);
-    socket->disconnectFromHost();
+    const qsizetype promised = reply.body.size() + (reply.broken == Break::None ? 0 : 1000);
+    // A redirect keeps the connection for the request that follows it.
+    const bool keepOpen = !reply.location.isEmpty() || reply.broken == Break::StallAfterHeaders;
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + ' ' + reason +
+                      "\r\nContent-Type: application/json\r\nContent-Length: " + QByteArray::number(promised) + "\r\n";
+    if (!reply.location.isEmpty())
+        head += "Location: " + reply.location + "\r\n";
+    if (!keepOpen)
+        head += "Connection: close\r\n";
+    socket->write(head + "\r\n" + reply.body);
+    if (!keepOpen)
+        socket->disconnectFromHost();
 }

@@ -18,16 +18,29 @@ public:
         QHash<QByteArray, QByteArray> headers; // lower-case names
         QByteArray body;
     };
+    // How an answer goes wrong after its status line.
+    enum class Break {
+        None,
+        CutAfterHeaders,   // promises more body than it sends, then closes
+        StallAfterHeaders, // promises more body than it sends, then stays silent
+    };
     struct Reply {
-        Reply(int status = 200, QByteArray body = {}, int delayMs = 0, QByteArray reason = {})
-            : status(status), body(std::move(body)), delayMs(delayMs), reason(std::move(reason))
+        Reply(int status = 200, QByteArray body = {}, int delayMs = 0, QByteArray reason = {},
+              Break broken = Break::None, QByteArray location = {})
+            : status(status), body(std::move(body)), delayMs(delayMs), reason(std::move(reason)), broken(broken),
+              location(std::move(location))
         {
         }
         int status;
         QByteArray body;
         int delayMs;
         QByteArray reason; // the status line's text; a usual one when empty
+        Break broken;
+        QByteArray location; // the Location header of a redirect
     };
+    static Reply Redirect(const QByteArray& location) { return {302, {}, 0, "Found", Break::None, location}; }
+    static Reply Broken(Break broken, QByteArray body = "{\"lista") { return {200, std::move(body), 0, {}, broken}; }
+    static Reply Silent() { return {0}; } // never answers
     using Responder = std::function<Reply(const Request&)>;
 
     explicit RecordingServer(Responder responder);

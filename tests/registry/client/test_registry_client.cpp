@@ -1,9 +1,17 @@
 #include "RecordingServer.h"
+#include "support/Files.h"
 #include "support/RecordingHost.h"
 
+#include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 
+#include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTcpServer>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QUrlQuery>
 
 namespace {
@@ -38,8 +46,19 @@ private Q_SLOTS:
     void getRequestsCarryTheTokenAndBuildTheirQuery();
     void postBodiesKeepKeyOrderAndOmitEmptyValues_data();
     void postBodiesKeepKeyOrderAndOmitEmptyValues();
+    void httpErrorsOfGetsBecomeTheMarker_data();
     void httpErrorsOfGetsBecomeTheMarker();
     void failuresOfPostsAndTimeOutsRaise();
+    void brokenAnswersAreFailures_data();
+    void brokenAnswersAreFailures();
+    void redirectsStayWithinTheOrigin();
+    void tokensThatAreNotPlainAreRefused_data();
+    void tokensThatAreNotPlainAreRefused();
+    void secretsTravelInClearTextOnlyToThisMachine_data();
+    void secretsTravelInClearTextOnlyToThisMachine();
+    void aStopAbortsTheRequestInFlight();
+    void settingsOutsideTheirRangeFallBack_data();
+    void settingsOutsideTheirRangeFallBack();
     void animalQueueHandsOutAnswersInListOrder_data();
     void animalQueueHandsOutAnswersInListOrder();
     void waitingForAFreeConnectionDoesNotCountAsTimeOut();
@@ -216,13 +235,28 @@ void TestRegistryClient::postBodiesKeepKeyOrderAndOmitEmptyValues()
     QCOMPARE(sent.headers.value("authorization"), QByteArray("Bearer tok"));
 }
 
+void TestRegistryClient::httpErrorsOfGetsBecomeTheMarker_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("answer");
+    const QString status = QStringLiteral("HTTP/1.1 500 Internal Server Error");
+    QTest::newRow("no words of the registry") << QByteArray(R"({"bledy":[]})") << status;
+    QTest::newRow("not JSON") << QByteArray("<html>") << status;
+    QTest::newRow("komunikat at the root") << QByteArray(R"({"komunikat":"Brak danych"})")
+                                           << QStringLiteral("Brak danych (") + status + u')';
+    QTest::newRow("error entries")
+        << QByteArray(R"({"bledy":[{"kodBledu":"E1","komunikat":"awaria"},{"kodBledu":"E2","komunikat":"znowu"}]})")
+        << QStringLiteral("E1: awaria; E2: znowu (") + status + u')';
+}
+
 void TestRegistryClient::httpErrorsOfGetsBecomeTheMarker()
 {
-    RecordingServer server(Always(500, R"({"bledy":[]})"));
+    QFETCH(QByteArray, body);
+    QFETCH(QString, answer);
+    RecordingServer server(Always(500, body));
     RecordingHost host;
     TdmIRZ_PLUS client(ConfigFor(server), host);
-    QCOMPARE(client.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false),
-             QStringLiteral("\tERR\tHTTP/1.1 500 Internal Server Error"));
+    QCOMPARE(client.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false), ErrorMarker + answer);
 }
 
 void TestRegistryClient::failuresOfPostsAndTimeOutsRaise()
@@ -242,6 +276,178 @@ void TestRegistryClient::failuresOfPostsAndTimeOutsRaise()
     } catch (const RegistryError& error) {
         QVERIFY2(error.message().startsWith(QStringLiteral("Przekroczono czas oczekiwania")), error.what());
     }
+
+    QTcpServer closed;
+    QVERIFY(closed.listen(QHostAddress::LocalHost));
+    RegistryConfig nobody;
+    nobody.ssoBase = nobody.apiBase = QStringLiteral("http://127.0.0.1:%1").arg(closed.serverPort());
+    closed.close();
+    TdmIRZ_PLUS unreachable(nobody, host);
+    try {
+        unreachable.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false);
+        QFAIL("no connection must raise");
+    } catch (const RegistryError& error) {
+        QVERIFY2(error.message().startsWith(QStringLiteral("Brak połączenia z serwerem (")), error.what());
+    }
+}
+
+// Whatever breaks an answer after its status line, each kind of request sees a
+// failure in its own way, never an empty good answer.
+void TestRegistryClient::brokenAnswersAreFailures_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<Reply>("reply");
+    QTest::addColumn<QString>("failure");
+    using Break = RecordingServer::Break;
+    const struct {
+        const char* name;
+        Reply reply;
+        const char* failure;
+    } faults[] = {
+        {"cut after the headers", RecordingServer::Broken(Break::CutAfterHeaders), "Połączenie zostało przerwane"},
+        {"silent after the headers", RecordingServer::Broken(Break::StallAfterHeaders),
+         "Przekroczono czas oczekiwania na odpowiedź serwera"},
+        {"redirect loop", RecordingServer::Redirect("/again"), "Nie udało się podążyć za przekierowaniem serwera"},
+        {"over the size limit", Reply{200, QByteArray(3 << 19, 'x')},
+         "Odpowiedź serwera przekracza dopuszczalny rozmiar 1 MB"},
+    };
+    const char* kinds[] = {"GET", "POST", "log-in"};
+    for (int kind = 0; kind < 3; ++kind)
+        for (const auto& fault : faults)
+            QTest::addRow("%s, %s", kinds[kind], fault.name) << kind << fault.reply << QString::fromUtf8(fault.failure);
+}
+
+void TestRegistryClient::brokenAnswersAreFailures()
+{
+    QFETCH(int, kind);
+    QFETCH(Reply, reply);
+    QFETCH(QString, failure);
+    RecordingServer broken([reply](const RecordingServer::Request&) { return reply; });
+    RecordingHost host;
+    RegistryConfig config = ConfigFor(broken);
+    config.getTimeoutMs = config.postTimeoutMs = 400;
+    config.maxAnswerBytes = 1 << 20;
+    TdmIRZ_PLUS client(config, host);
+    if (kind == 0) {
+        const QString answer = client.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false);
+        QVERIFY2(answer.startsWith(ErrorMarker + failure), qPrintable(answer));
+    } else if (kind == 1) {
+        try {
+            client.ListHoldings(QStringLiteral("1"), {}, {}, {}, false);
+            QFAIL("a broken answer to a POST must raise");
+        } catch (const RegistryError& error) {
+            QVERIFY2(error.message().startsWith(failure), error.what());
+        }
+    } else {
+        QVERIFY(!client.Authorize(QStringLiteral("u"), QStringLiteral("p")));
+        QCOMPARE(host.messages.size(), 1u);
+        QVERIFY2(host.messages[0].text.startsWith(QStringLiteral("Autoryzacja zakończona z błędem: ") + failure),
+                 qPrintable(host.messages[0].text));
+    }
+}
+
+// A redirect within the registry is followed with the token; one to another
+// server is refused before anything reaches it.
+void TestRegistryClient::redirectsStayWithinTheOrigin()
+{
+    RecordingServer elsewhere(Always(200, R"({"access_token":"stolen"})"));
+    const QByteArray away = elsewhere.baseUrl().toUtf8() + "/collect";
+    RecordingServer registry([away](const RecordingServer::Request& request) {
+        if (request.target.startsWith("/moved"))
+            return Reply{200, "moved here"};
+        if (request.target.contains("zwierzeIndywidualne"))
+            return RecordingServer::Redirect("/moved");
+        return RecordingServer::Redirect(away);
+    });
+    RecordingHost host;
+    TdmIRZ_PLUS client(ConfigFor(registry), host);
+    client.Token = QStringLiteral("tok");
+    QCOMPARE(client.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false), QStringLiteral("moved here"));
+    QCOMPARE(registry.requests().back().headers.value("authorization"), QByteArray("Bearer tok"));
+
+    const QString refused = client.ListAnimals(QStringLiteral("1"), {}, QStringLiteral("BYD"), {}, {}, {}, {}, EmptyDate, false);
+    QVERIFY2(refused.startsWith(ErrorMarker + QStringLiteral("Serwer przekierował zapytanie pod inny adres")),
+             qPrintable(refused));
+    QVERIFY(!client.Authorize(QStringLiteral("jan"), QStringLiteral("tajne")));
+    QVERIFY(host.messages.at(0).text.contains(QStringLiteral("przekierował")));
+    QVERIFY_THROWS_EXCEPTION(RegistryError, client.ListHoldings(QStringLiteral("1"), {}, {}, {}, false));
+    QVERIFY(elsewhere.requests().empty());
+}
+
+void TestRegistryClient::tokensThatAreNotPlainAreRefused_data()
+{
+    QTest::addColumn<QString>("token");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("plain") << QStringLiteral("eyJhbGciOi.J9-_x") << true;
+    QTest::newRow("16 KB") << QString(16 * 1024, u'a') << true;
+    QTest::newRow("over 16 KB") << QString(16 * 1024 + 1, u'a') << false;
+    QTest::newRow("a line break") << QStringLiteral("abc\r\nX-Evil: 1") << false;
+    QTest::newRow("a blank") << QStringLiteral("abc def") << false;
+    QTest::newRow("a control character") << QStringLiteral("abc\u0001") << false;
+    QTest::newRow("not ASCII") << QStringLiteral("abcł") << false;
+}
+
+void TestRegistryClient::tokensThatAreNotPlainAreRefused()
+{
+    QFETCH(QString, token);
+    QFETCH(bool, accepted);
+    RecordingServer server(Always(200, QJsonDocument(QJsonObject{{QStringLiteral("access_token"), token}}).toJson()));
+    RecordingHost host;
+    TdmIRZ_PLUS client(ConfigFor(server), host);
+    QCOMPARE(client.Authorize(QStringLiteral("u"), QStringLiteral("p")), accepted);
+    const QStringList expected{QStringLiteral("Autoryzacja zakończona z błędem: serwer zwrócił niepoprawny token dostępu")};
+    QCOMPARE(host.messageTexts(), accepted ? QStringList() : expected);
+    QCOMPARE(client.Token, accepted ? token : QString());
+}
+
+void TestRegistryClient::secretsTravelInClearTextOnlyToThisMachine_data()
+{
+    QTest::addColumn<QString>("sso");
+    QTest::addColumn<QString>("api");
+    QTest::addColumn<bool>("refused");
+    QTest::newRow("loopback address") << QString() << QString() << false;
+    QTest::newRow("localhost") << QStringLiteral("http://localhost:PORT") << QStringLiteral("http://localhost:PORT")
+                               << false;
+    QTest::newRow("log-in over plain http") << QStringLiteral("http://sso.example.pl") << QString() << true;
+    QTest::newRow("token over plain http") << QString() << QStringLiteral("http://irz.example.pl") << true;
+}
+
+void TestRegistryClient::secretsTravelInClearTextOnlyToThisMachine()
+{
+    QFETCH(QString, sso);
+    QFETCH(QString, api);
+    QFETCH(bool, refused);
+    RecordingServer server(Always(200, R"({"access_token":"abc"})"));
+    RegistryConfig config = ConfigFor(server);
+    const QString port = QString::number(QUrl(server.baseUrl()).port());
+    if (!sso.isEmpty())
+        config.ssoBase = sso.replace(QStringLiteral("PORT"), port);
+    if (!api.isEmpty())
+        config.apiBase = api.replace(QStringLiteral("PORT"), port);
+    RecordingHost host;
+    TdmIRZ_PLUS client(config, host);
+    QCOMPARE(client.Authorize(QStringLiteral("u"), QStringLiteral("p")), !refused);
+    QCOMPARE(server.requests().size(), refused ? 0u : 1u);
+    if (refused)
+        QVERIFY(host.messages.at(0).text.contains(QStringLiteral("https://")));
+}
+
+// A registry that never answers: the stop asked for meanwhile ends the wait at
+// once, not after the time-out.
+void TestRegistryClient::aStopAbortsTheRequestInFlight()
+{
+    RecordingServer silent([](const RecordingServer::Request&) { return RecordingServer::Silent(); });
+    RecordingHost host;
+    QElapsedTimer clock;
+    host.cancelWhen = [&clock] { return clock.elapsed() > 200; };
+    TdmIRZ_PLUS client(ConfigFor(silent), host);
+    clock.start();
+    QVERIFY_THROWS_EXCEPTION(RequestCancelled, client.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false));
+    QVERIFY(clock.elapsed() < 5000);
+    clock.start();
+    QVERIFY(!client.Authorize(QStringLiteral("u"), QStringLiteral("p")));
+    QVERIFY(clock.elapsed() < 5000);
+    QVERIFY(host.messages.empty());
 }
 
 void TestRegistryClient::animalQueueHandsOutAnswersInListOrder_data()
@@ -281,9 +487,10 @@ void TestRegistryClient::animalQueueHandsOutAnswersInListOrder()
 }
 
 // More requests in flight than Qt opens connections to one host: the last ones
-// wait for a connection first. Each answer takes 700 ms against a time-out of
-// 1100 ms, so one after another nothing times out; kept eight at a time, the
-// waiting must not count either, or the setting would change the outcome.
+// wait for a connection first, here for two and three answers. Each answer
+// takes 700 ms against a time-out of 1000 ms, so one after another nothing
+// times out; kept sixteen at a time, the waiting must not count either, or the
+// setting would change the outcome.
 void TestRegistryClient::waitingForAFreeConnectionDoesNotCountAsTimeOut()
 {
     RecordingServer server([](const RecordingServer::Request& request) {
@@ -291,17 +498,53 @@ void TestRegistryClient::waitingForAFreeConnectionDoesNotCountAsTimeOut()
     });
     RecordingHost host;
     RegistryConfig config = ConfigFor(server);
-    config.maxParallelRequests = 8;
-    config.getTimeoutMs = 1100;
+    config.maxParallelRequests = 16;
+    config.getTimeoutMs = 1000;
     TdmIRZ_PLUS client(config, host);
     QStringList tags;
-    for (int i = 1; i <= 8; ++i)
+    for (int i = 1; i <= 16; ++i)
         tags.append(QStringLiteral("PL%1").arg(i));
     auto queue = client.animalQueue(QStringLiteral("1"), tags, false);
     QStringList answers;
     while (!queue.atEnd())
         answers.append(queue.next());
     QCOMPARE(answers, tags);
+}
+
+void TestRegistryClient::settingsOutsideTheirRangeFallBack_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<int>("parallel");
+    QTest::addColumn<int>("timeoutMs");
+    QTest::addColumn<qint64>("maxAnswerBytes");
+    QTest::addColumn<int>("problems");
+    QTest::newRow("none set") << QByteArray() << 8 << 150'000 << (64ll << 20) << 0;
+    QTest::newRow("within range") << QByteArray("MaxParallelRequests=64\r\nTimeoutSeconds=3600\r\nMaxAnswerMB=2")
+                                  << 64 << 3'600'000 << (2ll << 20) << 0;
+    QTest::newRow("too many in flight") << QByteArray("MaxParallelRequests=65") << 8 << 150'000 << (64ll << 20) << 1;
+    QTest::newRow("none in flight") << QByteArray("MaxParallelRequests=0") << 8 << 150'000 << (64ll << 20) << 1;
+    QTest::newRow("time-out too long") << QByteArray("TimeoutSeconds=3601") << 8 << 150'000 << (64ll << 20) << 1;
+    QTest::newRow("time-out not a number") << QByteArray("TimeoutSeconds=długo") << 8 << 150'000 << (64ll << 20) << 1;
+    QTest::newRow("no answer size") << QByteArray("MaxAnswerMB=0") << 8 << 150'000 << (64ll << 20) << 1;
+}
+
+void TestRegistryClient::settingsOutsideTheirRangeFallBack()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(int, parallel);
+    QFETCH(int, timeoutMs);
+    QFETCH(qint64, maxAnswerBytes);
+    QFETCH(int, problems);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("HALVARN.INI"));
+    WriteAll(path, "[IRZ]\r\n" + line + "\r\n");
+    const RegistryConfig config = RegistryConfig::read(IniFile(path));
+    QCOMPARE(config.maxParallelRequests, parallel);
+    QCOMPARE(config.getTimeoutMs, timeoutMs);
+    QCOMPARE(config.maxAnswerBytes, maxAnswerBytes);
+    QCOMPARE(config.problems.size(), problems);
+    if (problems > 0)
+        QVERIFY2(config.problems[0].contains(QString::fromUtf8(line.left(line.indexOf('=')))), qPrintable(config.problems[0]));
 }
 
 QTEST_GUILESS_MAIN(TestRegistryClient)

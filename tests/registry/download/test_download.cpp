@@ -1,8 +1,10 @@
 #include "registry/client/RecordingServer.h"
+#include "support/Files.h"
 #include "support/RecordingHost.h"
 
 #include "analysis/AgeInMonths.h"
 #include "app/session/HalvarnSession.h"
+#include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
 
@@ -113,7 +115,7 @@ struct Download {
     void run(const FakeRegistry& registry, int timeoutMs = 150'000)
     {
         RecordingServer server([&registry](const RecordingServer::Request& r) { return registry.answer(r); });
-        RegistryConfig config;
+        RegistryConfig config = RegistryConfig::read(IniFile(session.dataFolder().settingsFile()));
         config.ssoBase = config.apiBase = server.baseUrl();
         config.getTimeoutMs = config.postTimeoutMs = timeoutMs;
         session.inputs.login = QStringLiteral("jan");
@@ -164,6 +166,9 @@ private Q_SLOTS:
     void herdCodesOutsideTheTabsEndTheCommand_data();
     void herdCodesOutsideTheTabsEndTheCommand();
     void cancellingStopsBetweenAnimalsWithConsistentTables();
+    void aSecondHoldingWithTheSameHerdCodeIsRefused();
+    void animalsBornAfterTheReferenceDateAreReported();
+    void badSettingsAreReportedAndReplacedByDefaults();
     void statusTextsAndProgressFollowTheSteps();
     void findAgeInList_data();
     void findAgeInList();
@@ -245,45 +250,67 @@ void TestDownload::failuresEndTheirHerdOrTheCommand_data()
     QTest::addColumn<int>("outcome");
     QTest::addColumn<QString>("message");
     QTest::addColumn<QStringList>("animals");
+    QTest::addColumn<QString>("incomplete"); // the start of the herd's line, when one ends early
     const QStringList all{QStringLiteral("PL001"), QStringLiteral("PL002"), QStringLiteral("PL003"),
                           QStringLiteral("PL004"), QStringLiteral("PL101"), QStringLiteral("PL102")};
     const QStringList secondHerdOnly{QStringLiteral("PL101"), QStringLiteral("PL102")};
     const int completed = static_cast<int>(DownloadOutcome::Completed);
+    const int incomplete = static_cast<int>(DownloadOutcome::Incomplete);
     const int stopped = static_cast<int>(DownloadOutcome::Stopped);
+    const QString serverError = QStringLiteral("Serwer zgłosił błąd: E: awaria (HTTP/1.1 500 Internal Server Error)");
+    const QString notJson = QStringLiteral("Odpowiedź serwera nie jest poprawnym obiektem JSON: <html>Błąd</html>");
+    const QString cut = QStringLiteral("Serwer zgłosił błąd: Połączenie zostało przerwane");
+    const QString herd1 = QStringLiteral("Stado 001 (działalność 071234562-001) niepełne: ");
+    const QString herd2 = QStringLiteral("Stado 002 (działalność 071234562-002) niepełne: ");
+    const QString noList = QStringLiteral("nie odczytano listy zwierząt. Przyczyna: ");
+    const Reply cutReply = RecordingServer::Broken(RecordingServer::Break::CutAfterHeaders);
     QTest::newRow("refused log-in") << QStringLiteral("token") << Reply{401, R"({"error":"invalid_grant"})", 0}
                                     << stopped << QStringLiteral("Brak autoryzacji (Być może niepoprawny login/hasło)")
-                                    << QStringList();
-    QTest::newRow("holdings: HTTP error") << QStringLiteral("holdings") << ServerError << stopped
-                                          << QStringLiteral("HTTP/1.1 500 Internal Server Error {\"bledy\":[{\"kodBledu\":\"E\",\"komunikat\":\"awaria\"}]}")
-                                          << QStringList();
+                                    << QStringList() << QString();
+    QTest::newRow("log-in: cut after the headers")
+        << QStringLiteral("token") << cutReply << stopped
+        << QStringLiteral("Autoryzacja zakończona z błędem: Połączenie zostało przerwane") << QStringList() << QString();
+    QTest::newRow("holdings: HTTP error") << QStringLiteral("holdings") << ServerError << stopped << serverError
+                                          << QStringList() << QString();
+    QTest::newRow("holdings: cut after the headers") << QStringLiteral("holdings") << cutReply << stopped
+                                                     << QStringLiteral("Połączenie zostało przerwane") << QStringList()
+                                                     << QString();
     QTest::newRow("holdings: komunikat") << QStringLiteral("holdings") << Komunikat("Brak producenta") << stopped
-                                         << QStringLiteral("Serwer zwrócił komunikat: Brak producenta") << QStringList();
-    QTest::newRow("holdings: not JSON") << QStringLiteral("holdings") << NotJson << stopped
-                                        << QStringLiteral("Odpowiedź serwera nie jest poprawnym obiektem JSON: <html>Błąd</html>")
-                                        << QStringList();
-    QTest::newRow("herd list: HTTP error") << Holding(1) << ServerError << completed
-                                           << QStringLiteral("Serwer zgłosił błąd: HTTP/1.1 500 Internal Server Error")
-                                           << secondHerdOnly;
-    QTest::newRow("herd list: komunikat") << Holding(1) << Komunikat("Brak uprawnień") << completed
-                                          << QStringLiteral("Serwer zwrócił komunikat: Brak uprawnień") << secondHerdOnly;
-    QTest::newRow("herd list: empty answer") << Holding(1) << Reply{200, "", 0} << completed << QString()
-                                             << secondHerdOnly;
-    QTest::newRow("herd list: not JSON") << Holding(2) << NotJson << stopped
-                                         << QStringLiteral("Odpowiedź serwera nie jest poprawnym obiektem JSON: <html>Błąd</html>")
-                                         << all.mid(0, 4);
-    QTest::newRow("animal: HTTP error") << QStringLiteral("PL003") << ServerError << completed
-                                        << QStringLiteral("Serwer zgłosił błąd: HTTP/1.1 500 Internal Server Error")
-                                        << (all.mid(0, 2) + secondHerdOnly);
-    QTest::newRow("older female: komunikat") << QStringLiteral("PL003") << Komunikat("Zablokowane") << completed
+                                         << QStringLiteral("Serwer zwrócił komunikat: Brak producenta") << QStringList()
+                                         << QString();
+    QTest::newRow("holdings: not JSON") << QStringLiteral("holdings") << NotJson << stopped << notJson << QStringList()
+                                        << QString();
+    QTest::newRow("herd list: HTTP error") << Holding(1) << ServerError << incomplete << serverError << secondHerdOnly
+                                           << herd1 + noList + serverError;
+    QTest::newRow("herd list: cut after the headers")
+        << Holding(1) << cutReply << incomplete << cut << secondHerdOnly << herd1 + noList + cut;
+    QTest::newRow("herd list: komunikat") << Holding(1) << Komunikat("Brak uprawnień") << incomplete
+                                          << QStringLiteral("Serwer zwrócił komunikat: Brak uprawnień") << secondHerdOnly
+                                          << herd1 + noList + QStringLiteral("Serwer zwrócił komunikat");
+    QTest::newRow("herd list: empty answer") << Holding(1) << Reply{200, "", 0} << incomplete << QString()
+                                             << secondHerdOnly << herd1 + noList + QStringLiteral("pusta odpowiedź");
+    QTest::newRow("herd list: not JSON") << Holding(2) << NotJson << stopped << notJson << all.mid(0, 4)
+                                         << herd2 + noList + notJson;
+    const QString twoOfFour = QStringLiteral("odczytano 2 z 4 zwierząt. Przyczyna: ");
+    QTest::newRow("animal: HTTP error") << QStringLiteral("PL003") << ServerError << incomplete << serverError
+                                        << (all.mid(0, 2) + secondHerdOnly) << herd1 + twoOfFour + serverError;
+    QTest::newRow("animal: cut after the headers") << QStringLiteral("PL003") << cutReply << incomplete << cut
+                                                   << (all.mid(0, 2) + secondHerdOnly) << herd1 + twoOfFour + cut;
+    QTest::newRow("animal: silent after the headers")
+        << QStringLiteral("PL003") << RecordingServer::Broken(RecordingServer::Break::StallAfterHeaders) << incomplete
+        << QStringLiteral("Serwer zgłosił błąd: Przekroczono czas oczekiwania") << (all.mid(0, 2) + secondHerdOnly)
+        << herd1 + twoOfFour + QStringLiteral("Serwer zgłosił błąd: Przekroczono czas oczekiwania");
+    QTest::newRow("older female: komunikat") << QStringLiteral("PL003") << Komunikat("Zablokowane") << incomplete
                                              << QStringLiteral("Serwer zwrócił komunikat: Zablokowane")
-                                             << (all.mid(0, 2) + secondHerdOnly);
+                                             << (all.mid(0, 2) + secondHerdOnly)
+                                             << herd1 + twoOfFour + QStringLiteral("Serwer zwrócił komunikat");
     QTest::newRow("young animal: its full record is not read") << QStringLiteral("PL004") << Komunikat("Zablokowane")
-                                                               << completed << QString() << all;
-    QTest::newRow("older female: not JSON") << QStringLiteral("PL001") << NotJson << stopped
-                                            << QStringLiteral("Odpowiedź serwera nie jest poprawnym obiektem JSON: <html>Błąd</html>")
-                                            << QStringList();
+                                                               << completed << QString() << all << QString();
+    QTest::newRow("older female: not JSON") << QStringLiteral("PL001") << NotJson << stopped << notJson << QStringList()
+                                            << herd1 + QStringLiteral("odczytano 0 z 4 zwierząt. Przyczyna: ") + notJson;
     QTest::newRow("animal: time-out") << QStringLiteral("PL101") << Reply{200, "{}", 3000} << stopped
-                                      << QStringLiteral("Przekroczono czas oczekiwania") << all.mid(0, 4);
+                                      << QStringLiteral("Przekroczono czas oczekiwania") << all.mid(0, 4)
+                                      << herd2 + QStringLiteral("odczytano 0 z 2 zwierząt. Przyczyna: Przekroczono");
 }
 
 void TestDownload::failuresEndTheirHerdOrTheCommand()
@@ -293,6 +320,7 @@ void TestDownload::failuresEndTheirHerdOrTheCommand()
     QFETCH(int, outcome);
     QFETCH(QString, message);
     QFETCH(QStringList, animals);
+    QFETCH(QString, incomplete);
     FakeRegistry registry;
     registry.overrides[spoiled] = reply;
     Download d;
@@ -312,6 +340,16 @@ void TestDownload::failuresEndTheirHerdOrTheCommand()
     for (int row = 0; row < groups.recordCount(); ++row)
         counted += AsInteger(groups.at(row, 3));
     QCOMPARE(counted, animals.size());
+    // A herd that ended early says so in the memo and on its tab, and no other does.
+    QStringList marked;
+    for (const THerdSlot& slot : d.session.tables().HerdSlots)
+        if (!slot.Incomplete.isEmpty())
+            marked.append(slot.Incomplete);
+    QCOMPARE(marked.size(), incomplete.isEmpty() ? 0 : 1);
+    if (!incomplete.isEmpty()) {
+        QVERIFY2(marked[0].startsWith(incomplete), qPrintable(marked[0]));
+        QVERIFY(d.session.errors().contains(marked[0]));
+    }
 }
 
 void TestDownload::noProducerNumberDownloadsNothing()
@@ -414,14 +452,61 @@ void TestDownload::cancellingStopsBetweenAnimalsWithConsistentTables()
 {
     FakeRegistry registry;
     Download d;
-    d.host.cancelAfterChecks = 2;
+    d.host.cancelWhen = [&d] { return d.host.stepTexts.filter(QStringLiteral("Rozczytywanie danych: ")).size() >= 2; };
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::Stopped);
     QCOMPARE(d.numbers(0), (QStringList{QStringLiteral("PL001"), QStringLiteral("PL002")}));
     QCOMPARE(d.numbers(1), d.numbers(0));
-    QCOMPARE(d.session.errors().last(),
-             QStringLiteral("Pobieranie przerwane przez użytkownika: stado 001, zapisano 2 z 4 zwierząt"));
+    QCOMPARE(d.session.errors().last(), QStringLiteral("Stado 001 (działalność 071234562-001) niepełne: odczytano 2 z 4 "
+                                                       "zwierząt. Przyczyna: Przerwano na żądanie użytkownika"));
+    QVERIFY(d.host.messages.empty());
     QVERIFY(!d.session.busy());
+}
+
+void TestDownload::aSecondHoldingWithTheSameHerdCodeIsRefused()
+{
+    FakeRegistry registry;
+    const QString twin = QStringLiteral("999999999-001");
+    registry.holdings.append(QJsonObject{{QStringLiteral("numerDzialalnosci"), twin},
+                                         {QStringLiteral("stanDzialalnosci"), QJsonObject{{QStringLiteral("kod"), QStringLiteral("SDZA")}}}});
+    registry.animals[twin] = QJsonArray{AnimalJson(QStringLiteral("PL900"), "XX", 100, false, twin)};
+    Download d;
+    d.run(registry);
+    QCOMPARE(d.outcome, DownloadOutcome::Incomplete);
+    QCOMPARE(d.numbers(1).size(), 4);
+    QVERIFY(!d.numbers(0).contains(QStringLiteral("PL900")));
+    QVERIFY(d.session.errors().contains(
+        QStringLiteral("Stado 001 (działalność 999999999-001) pominięte: ten sam numer stada ma działalność 071234562-001")));
+    QCOMPARE(d.requestsFor("numerDzialalnosci=999999999-001"), 0);
+}
+
+// The age formula still applies; the user is told how many animals it concerns.
+void TestDownload::animalsBornAfterTheReferenceDateAreReported()
+{
+    FakeRegistry registry;
+    registry.addAnimal(2, QStringLiteral("PL103"), "XY", -40, false, false);
+    registry.addAnimal(2, QStringLiteral("PL104"), "XY", -1, false, false);
+    registry.addAnimal(2, QStringLiteral("PL105"), "XY", 0, false, false);
+    Download d;
+    d.run(registry);
+    QCOMPARE(d.outcome, DownloadOutcome::Completed);
+    QCOMPARE(d.numbers(2).size(), 5);
+    QCOMPARE(d.session.errors().filter(QStringLiteral("urodzenia")),
+             QStringList{QStringLiteral("Data \"Halvarn na dzień\" (2026-11-01) jest wcześniejsza niż data urodzenia 2 zwierząt")});
+}
+
+void TestDownload::badSettingsAreReportedAndReplacedByDefaults()
+{
+    FakeRegistry registry;
+    Download d;
+    WriteAll(d.session.dataFolder().settingsFile(),
+             "[IRZ]\r\nMaxParallelRequests=100\r\n[WIEK]\r\nCieletaGrp_Do_150KG_Wiek_Do=-3\r\n");
+    d.run(registry);
+    QCOMPARE(d.outcome, DownloadOutcome::Completed);
+    QCOMPARE(d.host.messages.size(), 1u);
+    QCOMPARE(d.host.messages[0].caption, QStringLiteral("Informacja"));
+    QVERIFY(d.host.messages[0].text.contains(QStringLiteral("CieletaGrp_Do_150KG_Wiek_Do=-3")));
+    QVERIFY(d.session.errors().first().contains(QStringLiteral("MaxParallelRequests=100")));
 }
 
 // One active herd of two animals and an inactive one: every status text and
