@@ -30,7 +30,7 @@ demo: build
 	$(BUILD)/src/cli/halvarn-cli download --demo --data-dir $(BUILD)/demo-data --export-dir $(BUILD)/demo-data/EXPORT
 
 bench: build
-	@for b in $(BUILD)/bench/bench_* $(BUILD)/bench/window/bench_*; do \
+	@for b in $(BUILD)/bench/bench_* $(BUILD)/bench/gui/bench_*; do \
 	  if [ -f $$b ] && [ -x $$b ]; then echo "== $$b"; QT_QPA_PLATFORM=offscreen $$b || exit 1; fi; \
 	done
 

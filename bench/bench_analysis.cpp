@@ -3,7 +3,7 @@
 #include "analysis/AgeInMonths.h"
 #include "analysis/GroupCatalogue.h"
 #include "analysis/WelfareAnalysis.h"
-#include "app/tables/WorkingTables.h"
+#include "core/tables/WorkingTables.h"
 #include "registry/download/AnimalRowWriter.h"
 
 #include <QElapsedTimer>

@@ -1,5 +1,5 @@
 // 60,000 animals exported as the summary workbook and as the text file.
-#include "app/session/HalvarnSession.h"
+#include "core/session/HalvarnSession.h"
 #include "export/ExportCommands.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #include "analysis/GroupCatalogue.h"
 
-#include "app/tables/WorkingTables.h"
+#include "core/tables/WorkingTables.h"
 
 namespace {
 QString UpTo(int upper)

@@ -1,7 +1,7 @@
 #include "analysis/WelfareAnalysis.h"
 
 #include "analysis/GroupCatalogue.h"
-#include "app/tables/WorkingTables.h"
+#include "core/tables/WorkingTables.h"
 
 #include <QHash>
 

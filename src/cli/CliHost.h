@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/session/SessionDump.h"
+#include "core/session/SessionDump.h"
 #include "framework/OperationHost.h"
 
 #include <QTextStream>

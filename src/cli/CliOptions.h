@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/session/HalvarnSession.h"
+#include "core/session/HalvarnSession.h"
 
 #include <QStringList>
 

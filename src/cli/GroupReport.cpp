@@ -1,6 +1,6 @@
 #include "cli/GroupReport.h"
 
-#include "app/session/HalvarnSession.h"
+#include "core/session/HalvarnSession.h"
 
 namespace {
 QString Row(const QString& id, const QString& group, const QString& range, const QString& count, const QString& extra)

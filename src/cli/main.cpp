@@ -1,5 +1,5 @@
-#include "app/session/HalvarnSession.h"
-#include "app/session/SessionDump.h"
+#include "core/session/HalvarnSession.h"
+#include "core/session/SessionDump.h"
 #include "cli/CliHost.h"
 #include "cli/CliOptions.h"
 #include "cli/GroupReport.h"

@@ -1,6 +1,6 @@
 #include "export/CsvExport.h"
 
-#include "app/tables/Table.h"
+#include "core/tables/Table.h"
 #include "framework/Cp1250.h"
 
 #include <QHash>

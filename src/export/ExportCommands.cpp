@@ -1,6 +1,6 @@
 #include "export/ExportCommands.h"
 
-#include "app/session/HalvarnSession.h"
+#include "core/session/HalvarnSession.h"
 #include "export/CsvExport.h"
 #include "export/ExportFiles.h"
 #include "export/SheetWriters.h"

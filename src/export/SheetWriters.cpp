@@ -1,6 +1,6 @@
 #include "export/SheetWriters.h"
 
-#include "app/tables/Table.h"
+#include "core/tables/Table.h"
 #include "export/xls/XlsWorkbook.h"
 
 #include <initializer_list>

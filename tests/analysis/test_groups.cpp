@@ -1,5 +1,5 @@
 #include "analysis/GroupCatalogue.h"
-#include "app/tables/WorkingTables.h"
+#include "core/tables/WorkingTables.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 #include "analysis/GroupCatalogue.h"
 #include "analysis/WelfareAnalysis.h"
-#include "app/tables/WorkingTables.h"
+#include "core/tables/WorkingTables.h"
 
 #include <QTest>
 

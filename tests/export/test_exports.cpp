@@ -1,7 +1,7 @@
 #include "export/XlsReader.h"
 #include "support/RecordingHost.h"
 
-#include "app/session/HalvarnSession.h"
+#include "core/session/HalvarnSession.h"
 #include "export/ExportCommands.h"
 #include "framework/IniFile.h"
 

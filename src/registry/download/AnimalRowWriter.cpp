@@ -1,6 +1,6 @@
 #include "registry/download/AnimalRowWriter.h"
 
-#include "app/tables/WorkingTables.h"
+#include "core/tables/WorkingTables.h"
 
 namespace {
 template <std::size_t N> std::array<int, N> FieldIndices(const Table& table, const std::array<const char*, N>& names)

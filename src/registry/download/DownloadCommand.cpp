@@ -3,7 +3,7 @@
 #include "analysis/AgeInMonths.h"
 #include "analysis/AgeLimits.h"
 #include "analysis/WelfareAnalysis.h"
-#include "app/session/HalvarnSession.h"
+#include "core/session/HalvarnSession.h"
 #include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/AnimalRowWriter.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/tables/WorkingTables.h"
+#include "core/tables/WorkingTables.h"
 #include "registry/records/ZZIInfo.h"
 
 #include <QString>

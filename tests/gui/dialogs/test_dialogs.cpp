@@ -1,10 +1,10 @@
 #include "support/Files.h"
 
-#include "app/dialogs/MonthEdit.h"
-#include "app/dialogs/TfAbout.h"
-#include "app/dialogs/TfGET_CO_EXP_WYDR.h"
-#include "app/dialogs/TfGET_PARAM.h"
-#include "app/dialogs/TfGET_TUKU.h"
+#include "gui/dialogs/MonthEdit.h"
+#include "gui/dialogs/TfAbout.h"
+#include "gui/dialogs/TfGET_CO_EXP_WYDR.h"
+#include "gui/dialogs/TfGET_PARAM.h"
+#include "gui/dialogs/TfGET_TUKU.h"
 #include "framework/IniFile.h"
 
 #include <QAbstractButton>

@@ -1,11 +1,11 @@
-#include "app/grids/ColumnFilterPopup.h"
-#include "app/grids/GridFooter.h"
-#include "app/grids/SummaryGrid.h"
-#include "app/grids/SummaryLayout.h"
-#include "app/grids/SummaryModel.h"
-#include "app/grids/TableGrid.h"
-#include "app/grids/TableModel.h"
-#include "app/tables/WorkingTables.h"
+#include "gui/grids/ColumnFilterPopup.h"
+#include "gui/grids/GridFooter.h"
+#include "gui/grids/SummaryGrid.h"
+#include "gui/grids/SummaryLayout.h"
+#include "gui/grids/SummaryModel.h"
+#include "gui/grids/TableGrid.h"
+#include "gui/grids/TableModel.h"
+#include "core/tables/WorkingTables.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>

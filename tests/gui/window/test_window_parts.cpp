@@ -1,5 +1,5 @@
-#include "app/window/DateField.h"
-#include "app/window/ApplicationSetup.h"
+#include "gui/window/DateField.h"
+#include "gui/window/ApplicationSetup.h"
 
 #include <QApplication>
 #include <QDateEdit>

@@ -3,7 +3,7 @@
 #include "support/RecordingHost.h"
 
 #include "analysis/AgeInMonths.h"
-#include "app/session/HalvarnSession.h"
+#include "core/session/HalvarnSession.h"
 #include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"

@@ -1,0 +1,136 @@
+#include "core/session/HalvarnSession.h"
+
+#include "analysis/AgeLimits.h"
+#include "analysis/GroupCatalogue.h"
+#include "framework/IniFile.h"
+
+HalvarnSession::HalvarnSession(DataFolder folder, OperationHost& host)
+    : folder_(std::move(folder)), host_(host)
+{
+    common = CommonSettings::read(folder_.commonSettingsFile());
+}
+
+void HalvarnSession::GatherCredentials()
+{
+    if (common.torvLogin && inputs.login.isEmpty()) {
+        Login = QStringLiteral("uzytkownik.testowy.1");
+        Password = QStringLiteral("Zielonka7Kb2!");
+        ProducerNumber = QStringLiteral("071234562");
+        return;
+    }
+    Login = inputs.login;
+    Password = inputs.password;
+    ProducerNumber = inputs.producerNumber;
+}
+
+void HalvarnSession::BeginLongOperation()
+{
+    SetStatusMode(true, false);
+    ReadHalvarnFlags();
+    setControlsLocked(true);
+}
+
+void HalvarnSession::EndLongOperation()
+{
+    SetStatusMode(false, false);
+    setControlsLocked(false);
+}
+
+void HalvarnSession::setControlsLocked(bool locked)
+{
+    for (int slot = 0; slot < HerdSlotCount; ++slot) {
+        for (Table* table : {&tables_.mdRZ(slot), &tables_.mdGT(slot)}) {
+            if (locked)
+                table->disableControls();
+            else
+                table->enableControls();
+        }
+    }
+}
+
+void HalvarnSession::SetStatusMode(bool busy, bool showHerd)
+{
+    busy_ = busy;
+    if (busy) {
+        SetStatusText(StatusPanel::Herd, QString());
+        SetStatusText(StatusPanel::Step, QString());
+        setProgress(1, 0, 2);
+        setProgress(2, 0, progress(2).maximum);
+    }
+    host_.statusModeChanged(busy, busy && showHerd);
+}
+
+void HalvarnSession::SetStatusText(StatusPanel panel, const QString& text)
+{
+    host_.statusTextChanged(panel, text);
+}
+
+void HalvarnSession::setProgress(int bar, int position, int maximum)
+{
+    progress_[bar == 1 ? 0 : 1] = {position, maximum};
+    host_.progressChanged(bar, position, maximum);
+}
+
+void HalvarnSession::stepProgress(int bar)
+{
+    const ProgressBar& p = progress(bar);
+    setProgress(bar, p.position + 1, p.maximum);
+}
+
+void HalvarnSession::appendError(const QString& line)
+{
+    errors_.append(line);
+    host_.memoAppended(Memo::Errors, line);
+}
+
+void HalvarnSession::appendLoaded(const QString& text)
+{
+    if (!loaded_.isEmpty())
+        loaded_ += u'\n';
+    loaded_ += text;
+    host_.memoAppended(Memo::Loaded, text);
+}
+
+void HalvarnSession::ClearAllData()
+{
+    ReadHalvarnFlags();
+    SetStatusMode(true, true);
+    setProgress(1, 0, 65);
+    SetStatusText(StatusPanel::Step, QStringLiteral("Czyszczenie danych"));
+    errors_.clear();
+    loaded_.clear();
+    host_.memoCleared(Memo::Loaded);
+    host_.memoCleared(Memo::Errors);
+    for (int slot = 0; slot < HerdSlotCount; ++slot) {
+        THerdSlot& herd = tables_.HerdSlots[static_cast<std::size_t>(slot)];
+        SetStatusText(StatusPanel::Herd, QStringLiteral("Stado: ") + herd.Code);
+        stepProgress(1);
+        herd.Index = slot == 0 ? -1 : 0;
+        herd.Code = slot == 0 ? QStringLiteral("000") : QString();
+        herd.Visible = false;
+        herd.Incomplete.clear();
+        herd.AnimalsTable->open();
+        herd.GroupsTable->open();
+        SetStatusText(StatusPanel::Step, QStringLiteral("Czyszczenie danych RZ"));
+        stepProgress(1);
+        tables_.ClearTable(*herd.AnimalsTable);
+        SetStatusText(StatusPanel::Step, QStringLiteral("Czyszczenie danych GT"));
+        stepProgress(1);
+        tables_.ClearTable(*herd.GroupsTable);
+    }
+    SetStatusText(StatusPanel::Step, QStringLiteral("Tworzenie grup technologicznych"));
+    stepProgress(1);
+    rebuildGroups();
+    herdCount = 0;
+    DataLoaded = false;
+    SetStatusMode(false, false);
+}
+
+void HalvarnSession::rebuildGroups()
+{
+    const IniFile settings(folder_.settingsFile());
+    QStringList problems;
+    RebuildGroupCatalogue(tables_, AgeLimits::read(settings, &problems), halvarnFlags);
+    if (!problems.isEmpty())
+        host_.showMessage(QStringLiteral("Informacja"), problems.join(u'\n'), MessageIcon::Warning);
+}

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "analysis/WelfareFlags.h"
+#include "core/tables/WorkingTables.h"
+#include "framework/DataFolder.h"
+#include "framework/OperationHost.h"
+
+#include <QDate>
+#include <QStringList>
+
+// The fields of the window that commands read: log-in, producer, dates, ticks.
+struct SessionInputs {
+    QString login;
+    QString password;
+    QString producerNumber;
+    QString producerName;
+    QDate stateDate;     // "Stan zwierząt na dzień"
+    QDate referenceDate; // "Halvarn na dzień"
+    WelfareFlags flags;
+};
+
+struct ProgressBar {
+    int position = 0;
+    int maximum = 100;
+};
+
+// The data half of the main window: working tables, herd slots, the state of a
+// run and the long-operation frame (status, progress, memos) reported to a host.
+class HalvarnSession {
+public:
+    HalvarnSession(DataFolder folder, OperationHost& host);
+
+    WorkingTables& tables() { return tables_; }
+    OperationHost& host() { return host_; }
+    const DataFolder& dataFolder() const { return folder_; }
+
+    SessionInputs inputs;
+    CommonSettings common;
+
+    // Credentials of the registry, taken by GatherCredentials.
+    QString Login;
+    QString Password;
+    QString ProducerNumber;
+
+    int herdCount = 0;
+    bool Loading = false;
+    bool DataLoaded = false;
+    WelfareFlags halvarnFlags; // the ticks as the running operation read them
+    QDate referenceDate;       // the reference date the last download used
+
+    void GatherCredentials();
+    void ReadHalvarnFlags() { halvarnFlags = inputs.flags; }
+
+    void BeginLongOperation();
+    void EndLongOperation();
+    void SetStatusMode(bool busy, bool showHerd);
+    void SetStatusText(StatusPanel panel, const QString& text);
+    void setProgress(int bar, int position, int maximum);
+    void stepProgress(int bar);
+    const ProgressBar& progress(int bar) const { return progress_[bar == 1 ? 0 : 1]; }
+    bool busy() const { return busy_; }
+
+    void appendError(const QString& line);
+    void appendLoaded(const QString& text);
+    const QStringList& errors() const { return errors_; }
+    const QString& loaded() const { return loaded_; }
+
+    // Empties every animal and group table, hides the herd tabs and rebuilds
+    // the group catalogue with the ticks as they are now, so that the catalogue
+    // and the counting of the download that follows always agree.
+    void ClearAllData();
+
+private:
+    void rebuildGroups();
+    void setControlsLocked(bool locked);
+
+    DataFolder folder_;
+    OperationHost& host_;
+    WorkingTables tables_;
+    ProgressBar progress_[2];
+    bool busy_ = false;
+    QStringList errors_;
+    QString loaded_;
+};

@@ -1,0 +1,73 @@
+#include "core/tables/WorkingTables.h"
+
+#include "core/tables/TableLayouts.h"
+
+QString SlotSuffix(int slot)
+{
+    return QStringLiteral("%1").arg(slot, 2, 10, QLatin1Char('0'));
+}
+
+WorkingTables::WorkingTables()
+{
+    for (int slot = 0; slot < HerdSlotCount; ++slot) {
+        const auto i = static_cast<std::size_t>(slot);
+        animals_[i] = std::make_unique<Table>(QStringLiteral("mdRZ") + SlotSuffix(slot),
+                                              AnimalFields(slot == 0 ? AnimalLayout::Summary
+                                                                     : AnimalLayout::Herd));
+        groups_[i] = std::make_unique<Table>(QStringLiteral("mdGT") + SlotSuffix(slot), GroupFields(),
+                                             QStringLiteral("ID"));
+        animals_[i]->setReadOnly(slot != 0);
+        groups_[i]->setReadOnly(true);
+        HerdSlots[i].AnimalsTable = animals_[i].get();
+        HerdSlots[i].GroupsTable = groups_[i].get();
+        HerdSlots[i].Index = slot == 0 ? -1 : 0;
+        HerdSlots[i].Code = slot == 0 ? QStringLiteral("000") : QString();
+    }
+    producer_ = std::make_unique<Table>(QStringLiteral("mdProducent"), ProducerFields(), QStringLiteral("ID"));
+    producer_->setReadOnly(true);
+    empty_ = std::make_unique<Table>(QStringLiteral("mdEmpty"), AnimalFields(AnimalLayout::Herd));
+    empty_->setReadOnly(true);
+    useChange_ = std::make_unique<Table>(QStringLiteral("mdTUKU"), UseChangeFields());
+    report_ = std::make_unique<Table>(QStringLiteral("mdRaport1"), AnimalFields(AnimalLayout::Report));
+    for (Table* table : {producer_.get(), empty_.get(), useChange_.get(), report_.get()})
+        table->open();
+    // Every animal layout starts with the same ten fields.
+    rozpatrzonoField_ = mdRZ00().requireField(u"Rozpatrzono");
+    gdzieField_ = mdRZ00().requireField(u"GdzieRozpatrzono");
+}
+
+std::vector<Table*> WorkingTables::all() const
+{
+    std::vector<Table*> tables;
+    for (const auto& t : animals_)
+        tables.push_back(t.get());
+    for (const auto& t : groups_)
+        tables.push_back(t.get());
+    tables.insert(tables.end(), {producer_.get(), empty_.get(), useChange_.get(), report_.get()});
+    return tables;
+}
+
+Table* WorkingTables::byName(QStringView name) const
+{
+    for (Table* table : all())
+        if (table->name() == name)
+            return table;
+    return nullptr;
+}
+
+void WorkingTables::ClearTable(Table& table)
+{
+    table.setReadOnly(false);
+    table.removeAll();
+    restoreReadOnly(table);
+}
+
+void WorkingTables::MarkAnimalReviewed(Table& table, const QString& rozpatrzono, const QString& gdzie)
+{
+    table.setReadOnly(false);
+    table.edit();
+    table.setValue(rozpatrzonoField_, rozpatrzono);
+    table.setValue(gdzieField_, gdzie);
+    table.post();
+    restoreReadOnly(table);
+}

@@ -1,0 +1,67 @@
+#include "gui/dialogs/TfGET_TUKU.h"
+
+#include "gui/dialogs/DialogParts.h"
+
+#include <QButtonGroup>
+#include <QDialogButtonBox>
+#include <QGroupBox>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include <array>
+
+namespace {
+struct UseDirection {
+    const char* caption;
+    const char* code;
+};
+
+constexpr std::array<UseDirection, 5> UseDirections{{
+    {"Do opasu", "OP"},
+    {"Mięsny", "MI"},
+    {"Mięsny do opasu", "MIOP"},
+    {"Mleczny", "ML"},
+    {"Mleczny do opasu", "MLOP"},
+}};
+} // namespace
+
+TfGET_TUKU::TfGET_TUKU(QWidget* parent) : QDialog(parent)
+{
+    setObjectName(QStringLiteral("TfGET_TUKU"));
+    setWindowTitle(QStringLiteral("Wybór"));
+
+    auto* group = new QGroupBox(QStringLiteral("Kierunki użytkowania"));
+    auto* groupLayout = new QVBoxLayout(group);
+    choices_ = new QButtonGroup(this);
+    for (int id = 0; id < static_cast<int>(UseDirections.size()); ++id) {
+        const UseDirection& direction = UseDirections[static_cast<std::size_t>(id)];
+        auto* button = new QRadioButton(QString::fromUtf8(direction.caption));
+        button->setObjectName(QStringLiteral("ed") + QLatin1StringView(direction.code));
+        choices_->addButton(button, id);
+        groupLayout->addWidget(button);
+    }
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(group);
+    layout->addWidget(AddOkCancel(*this));
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+QString TfGET_TUKU::code() const
+{
+    for (int id = 0; id < static_cast<int>(UseDirections.size()); ++id)
+        if (choices_->button(id)->isChecked())
+            return QString::fromLatin1(UseDirections[static_cast<std::size_t>(id)].code);
+    return {};
+}
+
+int AskUseDirection(QString& first, QString& code, QWidget* parent)
+{
+    first.clear();
+    code.clear();
+    TfGET_TUKU dialog(parent);
+    const int result = dialog.exec();
+    if (result == QDialog::Accepted)
+        code = dialog.code();
+    return result;
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "gui/grids/GridColumns.h"
+#include "core/tables/Table.h"
+
+#include <QStringList>
+
+#include <span>
+
+// The footer texts, one per cell: a count of the records, or the sum of the
+// field's values written as a whole number (format "0").
+QStringList FooterTexts(const Table& table, const std::vector<FooterCell>& cells, std::span<const int> records);
+QStringList FooterTexts(const Table& table,
+                        const std::vector<FooterCell>& cells); // over every record

@@ -1,0 +1,120 @@
+#pragma once
+
+#include "core/tables/WorkingTables.h"
+#include "gui/window/UserDialogs.h"
+#include "framework/DataFolder.h"
+#include "registry/client/RegistryConfig.h"
+
+#include <QMainWindow>
+
+#include <array>
+#include <functional>
+#include <memory>
+
+class DateField;
+class ExportCommands;
+class HalvarnSession;
+class QAction;
+class QCheckBox;
+class QDateEdit;
+class QGroupBox;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+class QTabWidget;
+class QTimer;
+class StatusDisplay;
+class SummaryGrid;
+class TableGrid;
+class TdmIRZ_PLUS;
+class WindowHost;
+
+// The window half of a herd slot: its tab and its two grids.
+struct HerdSlotView {
+    QWidget* TabSheet = nullptr;
+    QWidget* AnimalsGrid = nullptr;
+    TableGrid* GroupsGrid = nullptr;
+};
+
+// The main window: log-in and download fields, the herd tabs with their grids,
+// the commands and the status bar. The work itself happens in the session and
+// the core's commands; the window shows it and asks the user.
+class TfHalvarnMain : public QMainWindow {
+    Q_OBJECT
+
+public:
+    TfHalvarnMain(DataFolder folder, RegistryConfig registry, std::unique_ptr<UserDialogs> dialogs = {},
+                  QWidget* parent = nullptr);
+    ~TfHalvarnMain() override;
+
+    HalvarnSession& session() { return *session_; }
+    SummaryGrid* summaryGrid() const { return summaryGrid_; }
+    StatusDisplay* statusDisplay() const { return status_; }
+    const HerdSlotView& slotView(int slot) const { return slotViews_[static_cast<std::size_t>(slot)]; }
+    QTabWidget* pages() const { return pages_; }
+    bool operationRunning() const { return running_; }
+
+    void fillLogin(const QString& login, const QString& password, const QString& producerNumber);
+
+public Q_SLOTS:
+    void cxButton1Click(); // "Pobieranie danych"
+    void cxButton2Click(); // "Czyszczenie danych"
+    void cancelOperation();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    QWidget* buildCommandBar();
+    QGroupBox* buildLoginGroup();
+    QGroupBox* buildHalvarnGroup();
+    QGroupBox* buildErrorGroup();
+    QTabWidget* buildPages();
+    QWidget* buildSummaryPage();
+    QWidget* buildHerdPage(int slot);
+    QWidget* buildSummaryButtons();
+    void buildStatusBar();
+
+    QAction* addCommand(QWidget* bar, const char* name, const QString& caption, bool built);
+    QPushButton* addButton(const char* name, const QString& caption, bool built);
+    void connectCommands();
+    void readInputs();
+    void runOperation(const std::function<void()>& operation, bool cancellable = false);
+    void setRunning(bool running, bool cancellable);
+    void showHerdTabs();
+    void showFirstHerd();
+    void timerTick();
+    void runExport(void (ExportCommands::*command)());
+
+    DataFolder folder_;
+    std::unique_ptr<UserDialogs> dialogs_;
+    std::unique_ptr<WindowHost> host_;
+    std::unique_ptr<HalvarnSession> session_;
+    std::unique_ptr<TdmIRZ_PLUS> registry_;
+    RegistryConfig registryConfig_;
+
+    QLineEdit* edUser = nullptr;
+    QLineEdit* edPassword = nullptr;
+    QLineEdit* edNumerProducenta = nullptr;
+    QLineEdit* edNazwa = nullptr;
+    DateField* edStanDanychNaDzien = nullptr;
+    DateField* edHalvarnNaDzien = nullptr;
+    QCheckBox* edHalvOpasow = nullptr;
+    QCheckBox* edHalvKrowMamek = nullptr;
+    QCheckBox* edHalvKrow = nullptr;
+    QPushButton* cancelButton_ = nullptr;
+    QGroupBox* lcErrors = nullptr;
+    QPlainTextEdit* mErrors = nullptr;
+    QPlainTextEdit* mLoaded = nullptr;
+    QTabWidget* pages_ = nullptr;
+    QWidget* tsPobraneDane = nullptr;
+    QDateEdit* spareDate_ = nullptr;
+    StatusDisplay* status_ = nullptr;
+    QTimer* timer1_ = nullptr;
+    SummaryGrid* summaryGrid_ = nullptr;
+    std::array<HerdSlotView, HerdSlotCount> slotViews_{};
+    std::vector<QWidget*> lockedWhileRunning_;
+    std::vector<QAction*> actionsLockedWhileRunning_;
+    bool running_ = false;
+    bool closeWhenDone_ = false; // the user closed the window while a command ran
+};

@@ -1,0 +1,174 @@
+// The commands of the main window: each reads the fields, runs the core's
+// operation with the window as its host and shows the result.
+#include "gui/dialogs/TfAbout.h"
+#include "gui/dialogs/TfGET_PARAM.h"
+#include "core/session/HalvarnSession.h"
+#include "gui/window/DateField.h"
+#include "gui/window/TfHalvarnMain.h"
+#include "gui/window/UserDialogs.h"
+#include "gui/window/WindowHost.h"
+#include "export/ExportCommands.h"
+#include "registry/client/TdmIRZ_PLUS.h"
+#include "registry/download/DownloadCommand.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+
+#include <exception>
+
+void TfHalvarnMain::connectCommands()
+{
+    const auto action = [this](const char* name) { return findChild<QAction*>(QLatin1String(name)); };
+    const auto button = [this](const char* name) { return findChild<QPushButton*>(QLatin1String(name)); };
+    connect(button("cxButton1"), &QPushButton::clicked, this, &TfHalvarnMain::cxButton1Click);
+    connect(button("cxButton2"), &QPushButton::clicked, this, &TfHalvarnMain::cxButton2Click);
+    connect(cancelButton_, &QPushButton::clicked, this, &TfHalvarnMain::cancelOperation);
+    connect(pages_, &QTabWidget::currentChanged, this, [this] {
+        if (pages_->currentWidget() == tsPobraneDane)
+            host_->showLoaded();
+    });
+    connect(button("cxButton4"), &QPushButton::clicked, this, [this] { runExport(&ExportCommands::exportSummaryXls); });
+    connect(button("cxButton7"), &QPushButton::clicked, this, [this] { runExport(&ExportCommands::exportSummaryCsv); });
+    connect(action("dxBarButton3"), &QAction::triggered, this, [this] { runExport(&ExportCommands::exportHerdAnimals); });
+    connect(action("dxBarButton2"), &QAction::triggered, this, [this] { runExport(&ExportCommands::exportHerdGroups); });
+    connect(action("dxBarButton6"), &QAction::triggered, this,
+            [this] { OpenParameters(folder_.settingsFile(), folder_.exportFolder(), this); });
+    connect(action("dxBarButton7"), &QAction::triggered, this, [this] { ShowAbout(folder_.settingsFile(), this); });
+}
+
+void TfHalvarnMain::fillLogin(const QString& login, const QString& password, const QString& producerNumber)
+{
+    edUser->setText(login);
+    edPassword->setText(password);
+    edNumerProducenta->setText(producerNumber);
+}
+
+// What the commands take from the window's fields.
+void TfHalvarnMain::readInputs()
+{
+    SessionInputs& inputs = session_->inputs;
+    inputs.login = edUser->text();
+    inputs.password = edPassword->text();
+    // Typing passes the field's validator; a number put in from code counts only when it would too.
+    inputs.producerNumber = edNumerProducenta->hasAcceptableInput() ? edNumerProducenta->text() : QString();
+    inputs.producerName = edNazwa->text();
+    inputs.stateDate = edStanDanychNaDzien->date();
+    inputs.referenceDate = edHalvarnNaDzien->date();
+    inputs.flags.krowMamek = edHalvKrowMamek->isChecked();
+    inputs.flags.opasow = edHalvOpasow->isChecked();
+    inputs.flags.krowMlecznych = edHalvKrow->isChecked();
+}
+
+void TfHalvarnMain::cxButton1Click()
+{
+    runOperation(
+        [this] {
+            const DownloadOutcome outcome = DownloadCommand(*session_, *registry_).run();
+            if (outcome == DownloadOutcome::NotStarted)
+                return;
+            edStanDanychNaDzien->setDate(session_->inputs.stateDate);
+            edHalvarnNaDzien->setDate(session_->inputs.referenceDate);
+            showFirstHerd();
+        },
+        true);
+}
+
+void TfHalvarnMain::cxButton2Click()
+{
+    runOperation([this] { session_->ClearAllData(); });
+}
+
+void TfHalvarnMain::cancelOperation()
+{
+    host_->requestCancel();
+    cancelButton_->setEnabled(false);
+}
+
+// Closing while a command runs would pull the window from under it: the
+// command is asked to stop instead, and the window closes once it has.
+void TfHalvarnMain::closeEvent(QCloseEvent* event)
+{
+    if (!running_) {
+        QMainWindow::closeEvent(event);
+        return;
+    }
+    closeWhenDone_ = true;
+    cancelOperation();
+    event->ignore();
+}
+
+void TfHalvarnMain::runExport(void (ExportCommands::*command)())
+{
+    runOperation([this, command] {
+        ExportCommands exports(*session_);
+        (exports.*command)();
+    });
+}
+
+// Runs one long operation with every command that could start another one
+// locked. Whatever the operation lets escape ends in a message, never a crash.
+void TfHalvarnMain::runOperation(const std::function<void()>& operation, bool cancellable)
+{
+    if (running_)
+        return;
+    readInputs();
+    setRunning(true, cancellable);
+    try {
+        operation();
+    } catch (const std::exception& error) {
+        if (session_->busy())
+            session_->EndLongOperation();
+        dialogs_->message(QString::fromUtf8("Błąd"), QString::fromUtf8(error.what()), MessageIcon::Error);
+    }
+    setRunning(false, cancellable);
+    if (closeWhenDone_) {
+        close();
+        return;
+    }
+    if (pages_->currentWidget() == tsPobraneDane)
+        host_->showLoaded();
+}
+
+void TfHalvarnMain::setRunning(bool running, bool cancellable)
+{
+    running_ = running;
+    for (QWidget* widget : lockedWhileRunning_)
+        widget->setEnabled(!running);
+    for (QAction* action : actionsLockedWhileRunning_)
+        action->setEnabled(!running);
+    host_->resetCancel();
+    cancelButton_->setEnabled(true);
+    cancelButton_->setVisible(running && cancellable);
+}
+
+// A herd's tab is shown, captioned with its code, when the download found animals
+// in it; a herd that ended early says so in its caption and tells why in its tool tip.
+void TfHalvarnMain::showHerdTabs()
+{
+    const auto& slots = session_->tables().HerdSlots;
+    for (int slot = 0; slot < HerdSlotCount; ++slot) {
+        const THerdSlot& herd = slots[static_cast<std::size_t>(slot)];
+        const int index = pages_->indexOf(slotView(slot).TabSheet);
+        pages_->setTabVisible(index, herd.Visible);
+        if (slot == 0 || !herd.Visible)
+            continue;
+        const bool incomplete = !herd.Incomplete.isEmpty();
+        pages_->setTabText(index, incomplete ? herd.Code + QString::fromUtf8(" (niepełne)") : herd.Code);
+        pages_->setTabToolTip(index, herd.Incomplete);
+    }
+}
+
+void TfHalvarnMain::showFirstHerd()
+{
+    const auto& slots = session_->tables().HerdSlots;
+    for (int slot = 1; slot < HerdSlotCount; ++slot) {
+        if (slots[static_cast<std::size_t>(slot)].Visible) {
+            pages_->setCurrentWidget(slotView(slot).TabSheet);
+            return;
+        }
+    }
+}

@@ -1,0 +1,55 @@
+#include "gui/window/UserDialogs.h"
+
+#include "gui/dialogs/TfGET_CO_EXP_WYDR.h"
+
+#include <QDesktopServices>
+#include <QDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QUrl>
+
+namespace {
+QMessageBox::Icon BoxIcon(MessageIcon icon)
+{
+    switch (icon) {
+    case MessageIcon::Information:
+        return QMessageBox::Information;
+    case MessageIcon::Warning:
+        return QMessageBox::Warning;
+    case MessageIcon::Error:
+        return QMessageBox::Critical;
+    case MessageIcon::Question:
+        return QMessageBox::Question;
+    }
+    return QMessageBox::NoIcon;
+}
+} // namespace
+
+void ModalDialogs::message(const QString& caption, const QString& text, MessageIcon icon)
+{
+    QMessageBox box(BoxIcon(icon), caption, text, QMessageBox::Ok, parent_);
+    box.exec();
+}
+
+bool ModalDialogs::question(const QString& caption, const QString& text)
+{
+    QMessageBox box(QMessageBox::Question, caption, text, QMessageBox::Yes | QMessageBox::No, parent_);
+    box.button(QMessageBox::Yes)->setText(QStringLiteral("Tak"));
+    box.button(QMessageBox::No)->setText(QStringLiteral("Nie"));
+    return box.exec() == QMessageBox::Yes;
+}
+
+std::optional<QString> ModalDialogs::herd()
+{
+    QString herd;
+    if (AskHerd(herd, parent_) != QDialog::Accepted)
+        return std::nullopt;
+    return herd;
+}
+
+void ModalDialogs::openFile(const QString& path)
+{
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+        message(QString::fromUtf8("Błąd..."), QString::fromUtf8("Nie można otworzyć pliku: ") + path,
+                MessageIcon::Error);
+}

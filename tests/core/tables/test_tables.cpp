@@ -1,0 +1,318 @@
+#include "support/RecordingHost.h"
+
+#include "core/session/HalvarnSession.h"
+#include "core/tables/TableLayouts.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+class CountingObserver : public TableObserver {
+public:
+    int resets = 0, inserts = 0, changes = 0, removals = 0;
+    void tableReset() override { ++resets; }
+    void rowInserted(int) override { ++inserts; }
+    void rowChanged(int) override { ++changes; }
+    void rowRemoved(int) override { ++removals; }
+};
+
+std::unique_ptr<Table> SortedById()
+{
+    auto table = std::make_unique<Table>(QStringLiteral("t"), GroupFields(), QStringLiteral("ID"));
+    table->open();
+    return table;
+}
+
+QList<int> Ids(const Table& table)
+{
+    QList<int> ids;
+    for (int row = 0; row < table.recordCount(); ++row)
+        ids.append(AsInteger(table.at(row, 0)));
+    return ids;
+}
+
+void AppendGroup(Table& table, int id, const QString& caption = {})
+{
+    table.append();
+    table.setValue(0, id);
+    table.setValue(1, caption);
+    table.post();
+}
+} // namespace
+
+class TestTables : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void layoutsHaveTheirFieldsAndSwitches_data();
+    void layoutsHaveTheirFieldsAndSwitches();
+    void readOnlyTablesRefuseEveryWrite_data();
+    void readOnlyTablesRefuseEveryWrite();
+    void writesRestoreReadOnlyByIdentity();
+    void stringsAreCutToTheirSize_data();
+    void stringsAreCutToTheirSize();
+    void unsetFieldsAreNullAndCancelDiscards();
+    void sortKeepsRowsOrderedStably();
+    void sortOnAMissingFieldIsInert();
+    void navigationAndNotifications();
+    void clearingEmptiesTablesAndResetsSlots();
+};
+
+namespace {
+// "name type" for every field in order: S20 a string of 20, I16/I32 integers,
+// D a date, B a boolean, M a long text.
+QString Layout(const Table& table)
+{
+    QStringList fields;
+    for (const FieldDef& f : table.fields()) {
+        const char* types[] = {"S", "I16", "I32", "D", "B", "M"};
+        fields.append(f.name + u' ' + QLatin1String(types[static_cast<int>(f.type)]) +
+                      (f.type == FieldType::String ? QString::number(f.size) : QString()));
+    }
+    return fields.join(QStringLiteral(", "));
+}
+} // namespace
+
+void TestTables::layoutsHaveTheirFieldsAndSwitches_data()
+{
+    QTest::addColumn<QString>("table");
+    QTest::addColumn<bool>("readOnly");
+    QTest::addColumn<QString>("layout");
+    const QString animals =
+        QStringLiteral("NumerIdentyfikacyjny S20, Plec S10, DataUrodzenia D, Wiek I32, TypUzytkowy S20, "
+                       "KierunekUzytkowania S20, GdzieRozpatrzono S100, Rozpatrzono S3, CzyMatka I16, STADO S5");
+    const QString marked = animals + QStringLiteral(", ZAZNACZONE B");
+    const QString summary =
+        marked + QStringLiteral(", DataPrzybycia D, DataWyrejestrowania D, Rasa S20, RodzajDawczyni S20, "
+                                "RodzajDawcy S20, NumerDzialalnosci S20, NumerIdentyfikacyjnyMatki S20, "
+                                "NumerIdentyfikacyjnyDawczyni S20, NumerIdentyfikacyjnyDawcy S20, IloscOznakowan S20");
+    const QString groups =
+        QStringLiteral("ID I32, GT S50, ZakresWieku S30, Ilosc I32, IloscPom I32, IndDod S100, STADO S5");
+    QTest::newRow("mdRZ00") << QStringLiteral("mdRZ00") << false << summary;
+    QTest::newRow("mdRZ01") << QStringLiteral("mdRZ01") << true << animals;
+    QTest::newRow("mdRZ20") << QStringLiteral("mdRZ20") << true << animals;
+    QTest::newRow("mdRaport1") << QStringLiteral("mdRaport1") << false << marked;
+    QTest::newRow("mdEmpty") << QStringLiteral("mdEmpty") << true << animals;
+    QTest::newRow("mdGT00") << QStringLiteral("mdGT00") << true << groups;
+    QTest::newRow("mdGT20") << QStringLiteral("mdGT20") << true << groups;
+    QTest::newRow("mdProducent") << QStringLiteral("mdProducent") << true
+                                 << QStringLiteral("PRODUCENT S20, DATA1 D, DATA2 D, DATA3 D, NAZWA S50");
+    QTest::newRow("mdTUKU") << QStringLiteral("mdTUKU") << false
+                            << QStringLiteral("STADO S5, NumerIdentyfikacyjny S20, TU_OLD S20, TU_NEW S20, "
+                                              "KU_OLD S20, KU_NEW S20, Komunikat S100, NumerDokumentu S40, "
+                                              "ST_KOD I32, ST_OPIS S60, BLEDY M");
+}
+
+void TestTables::layoutsHaveTheirFieldsAndSwitches()
+{
+    QFETCH(QString, table);
+    QFETCH(bool, readOnly);
+    QFETCH(QString, layout);
+    WorkingTables tables;
+    QCOMPARE(tables.all().size(), 46u);
+    const Table* found = tables.byName(table);
+    QVERIFY(found);
+    QCOMPARE(Layout(*found), layout);
+    QCOMPARE(found->readOnly(), readOnly);
+}
+
+void TestTables::readOnlyTablesRefuseEveryWrite_data()
+{
+    QTest::addColumn<int>("operation");
+    QTest::newRow("append") << 0;
+    QTest::newRow("edit") << 1;
+    QTest::newRow("delete") << 2;
+    QTest::newRow("set a value") << 3;
+}
+
+void TestTables::readOnlyTablesRefuseEveryWrite()
+{
+    QFETCH(int, operation);
+    WorkingTables tables;
+    Table& herd = tables.mdRZ(5);
+    herd.open();
+    herd.setReadOnly(false);
+    herd.append();
+    herd.setValue(0, QStringLiteral("PL1"));
+    herd.post();
+    if (operation == 3)
+        herd.edit();
+    herd.setReadOnly(true);
+    try {
+        switch (operation) {
+        case 0: herd.append(); break;
+        case 1: herd.edit(); break;
+        case 2: herd.remove(); break;
+        default: herd.setValue(0, QStringLiteral("PL2"));
+        }
+        QFAIL("a read-only table accepted a write");
+    } catch (const TableError& error) {
+        QVERIFY(QString::fromUtf8(error.what()).contains(QStringLiteral("mdRZ05")));
+    }
+    herd.cancel();
+    QCOMPARE(AsString(herd.value(0)), QStringLiteral("PL1"));
+}
+
+void TestTables::writesRestoreReadOnlyByIdentity()
+{
+    WorkingTables tables;
+    for (Table* table : {&tables.mdRZ00(), &tables.mdRZ(3)}) {
+        table->open();
+        table->setReadOnly(false);
+        table->append();
+        table->post();
+        table->setReadOnly(false); // writable before, whatever the table
+        tables.MarkAnimalReviewed(*table, QStringLiteral("X"), QStringLiteral("Krowy, 24 > Wiek"));
+        QCOMPARE(AsString(table->value(u"Rozpatrzono")), QStringLiteral("X"));
+    }
+    QVERIFY(!tables.mdRZ00().readOnly());
+    QVERIFY(tables.mdRZ(3).readOnly());
+    tables.ClearTable(tables.mdRZ(3));
+    QVERIFY(tables.mdRZ(3).isEmpty() && tables.mdRZ(3).readOnly());
+    tables.ClearTable(tables.mdRZ00());
+    QVERIFY(tables.mdRZ00().isEmpty() && !tables.mdRZ00().readOnly());
+}
+
+void TestTables::stringsAreCutToTheirSize_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<int>("given");
+    QTest::addColumn<int>("kept");
+    QTest::newRow("GdzieRozpatrzono") << QStringLiteral("GdzieRozpatrzono") << 130 << 100;
+    QTest::newRow("Plec") << QStringLiteral("Plec") << 11 << 10;
+    QTest::newRow("Rozpatrzono") << QStringLiteral("Rozpatrzono") << 4 << 3;
+    QTest::newRow("STADO, fits") << QStringLiteral("STADO") << 5 << 5;
+}
+
+void TestTables::stringsAreCutToTheirSize()
+{
+    QFETCH(QString, field);
+    QFETCH(int, given);
+    QFETCH(int, kept);
+    WorkingTables tables;
+    Table& summary = tables.mdRZ00();
+    summary.open();
+    summary.append();
+    const QString text = QString(given, u'ż'); // a Polish letter is one character
+    summary.setValue(field, text);
+    summary.post();
+    QCOMPARE(AsString(summary.value(field)), text.left(kept));
+}
+
+void TestTables::unsetFieldsAreNullAndCancelDiscards()
+{
+    WorkingTables tables;
+    Table& summary = tables.mdRZ00();
+    summary.open();
+    summary.append();
+    summary.setValue(u"CzyMatka", 65537); // Int16 keeps 16 bits
+    summary.post();
+    QVERIFY(IsNull(summary.value(u"DataUrodzenia")));
+    QVERIFY(IsNull(summary.value(u"ZAZNACZONE")));
+    QCOMPARE(AsInteger(summary.value(u"CzyMatka")), 1);
+    summary.edit();
+    summary.setValue(u"Wiek", 7);
+    QCOMPARE(AsInteger(summary.value(u"Wiek")), 7);
+    summary.cancel();
+    QVERIFY(IsNull(summary.value(u"Wiek")));
+    summary.append();
+    summary.cancel();
+    QCOMPARE(summary.recordCount(), 1);
+    QVERIFY_THROWS_EXCEPTION(TableError, summary.setValue(u"Wiek", QStringLiteral("dwa")));
+}
+
+void TestTables::sortKeepsRowsOrderedStably()
+{
+    const auto owner = SortedById();
+    Table& table = *owner;
+    for (int id : {30, 10, 20, 10, 40})
+        AppendGroup(table, id, QString::number(table.recordCount()));
+    QCOMPARE(Ids(table), (QList<int>{10, 10, 20, 30, 40}));
+    QCOMPARE(AsString(table.at(0, 1)), QStringLiteral("1")); // equal keys keep their order
+    QCOMPARE(AsString(table.at(1, 1)), QStringLiteral("3"));
+    table.moveTo(4);
+    table.edit();
+    table.setValue(0, 15);
+    table.post();
+    QCOMPARE(Ids(table), (QList<int>{10, 10, 15, 20, 30}));
+    QCOMPARE(table.recNo(), 2); // the edited record stays current
+    table.moveTo(0);
+    table.edit();
+    table.setValue(3, 5); // another field: no move
+    table.post();
+    QCOMPARE(table.recNo(), 0);
+}
+
+void TestTables::sortOnAMissingFieldIsInert()
+{
+    WorkingTables tables;
+    Table& producer = tables.mdProducent();
+    producer.setReadOnly(false);
+    for (const char* name : {"Z", "A"}) {
+        producer.append();
+        producer.setValue(u"PRODUCENT", QLatin1String(name));
+        producer.post();
+    }
+    QCOMPARE(AsString(producer.at(0, 0)), QStringLiteral("Z"));
+    QCOMPARE(AsString(producer.at(1, 0)), QStringLiteral("A"));
+}
+
+void TestTables::navigationAndNotifications()
+{
+    const auto owner = SortedById();
+    Table& table = *owner;
+    CountingObserver observer;
+    table.addObserver(&observer);
+    int posts = 0;
+    table.setAfterPost([&posts](Table&) { ++posts; });
+    AppendGroup(table, 1);
+    AppendGroup(table, 2);
+    QCOMPARE(posts, 2);
+    QCOMPARE(observer.inserts, 2);
+    table.disableControls();
+    AppendGroup(table, 3);
+    table.first();
+    table.remove();
+    QCOMPARE(observer.inserts, 2);
+    table.enableControls();
+    QCOMPARE(observer.resets, 1);
+    QList<int> walked;
+    for (table.first(); !table.eof(); table.next())
+        walked.append(AsInteger(table.value(0)));
+    QCOMPARE(walked, (QList<int>{2, 3}));
+    QCOMPARE(table.recNo(), 1); // past the end the last record stays current
+    QVERIFY(table.locate(0, 2) && table.recNo() == 0);
+    QVERIFY(!table.locate(0, 9));
+    table.removeObserver(&observer);
+}
+
+void TestTables::clearingEmptiesTablesAndResetsSlots()
+{
+    QTemporaryDir folder;
+    RecordingHost host;
+    HalvarnSession session(DataFolder(folder.path()), host);
+    session.ClearAllData();
+    WorkingTables& tables = session.tables();
+    tables.mdRZ(4).setReadOnly(false);
+    tables.mdRZ(4).append();
+    tables.mdRZ(4).post();
+    tables.HerdSlots[4].Code = QStringLiteral("004");
+    tables.HerdSlots[4].Visible = true;
+    session.ClearAllData();
+    for (int slot = 0; slot < HerdSlotCount; ++slot) {
+        const THerdSlot& herd = tables.HerdSlots[static_cast<std::size_t>(slot)];
+        QVERIFY(herd.AnimalsTable->isEmpty());
+        QCOMPARE(herd.GroupsTable->recordCount(), 40);
+        QCOMPARE(herd.Code, slot == 0 ? QStringLiteral("000") : QString());
+        QCOMPARE(herd.Index, slot == 0 ? -1 : 0);
+        QVERIFY(!herd.Visible);
+    }
+    QVERIFY(!tables.mdRZ00().readOnly());
+    QVERIFY_THROWS_EXCEPTION(TableError, tables.mdRZ(5).append());
+    QCOMPARE(session.progress(1).position, 64);
+    QCOMPARE(session.progress(1).maximum, 65);
+    QVERIFY(!host.busy && !session.busy() && !session.DataLoaded);
+}
+
+QTEST_GUILESS_MAIN(TestTables)
+#include "test_tables.moc"
