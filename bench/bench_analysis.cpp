@@ -12,6 +12,8 @@
 #include <sys/resource.h>
 #include <time.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int Herds = 20;
 constexpr int AnimalsPerHerd = 5000;
@@ -39,7 +41,7 @@ std::unique_ptr<TZZIInfoClass> MakeAnimal(quint64& state, int herd, int index, T
     static const char* directions[][2] = {{"MI", "Mięsny"}, {"ML", "Mleczny"}, {"OP", "Do opasu"},
                                           {"MIOP", "Mięsny do opasu"}, {"MLOP", "Mleczny do opasu"}};
     auto animal = std::make_unique<TZZIInfoClass>();
-    animal->numerIdentyfikacyjnyZwierzecia = QStringLiteral("PL%1%2").arg(herd, 4, 10, QLatin1Char('0')).arg(index, 8, 10, QLatin1Char('0'));
+    animal->numerIdentyfikacyjnyZwierzecia = u"PL%1%2"_s.arg(herd, 4, 10, QLatin1Char('0')).arg(index, 8, 10, QLatin1Char('0'));
     animal->dataUrodzenia = reference - pick(3000);
     animal->plec = pick(2) ? Pair("XX", "Samica") : Pair("XY", "Samiec");
     const int type = pick(3);
@@ -47,7 +49,7 @@ std::unique_ptr<TZZIInfoClass> MakeAnimal(quint64& state, int herd, int index, T
     animal->typUzytkowy = Pair(types[type][0], types[type][1]);
     animal->kierunekUzytkownia = Pair(directions[direction][0], directions[direction][1]);
     animal->kodRasy = Pair("HO", "Holsztyńsko-fryzyjska");
-    animal->numerDzialalnosci = QStringLiteral("071234562-%1").arg(herd, 3, 10, QLatin1Char('0'));
+    animal->numerDzialalnosci = u"071234562-%1"_s.arg(herd, 3, 10, QLatin1Char('0'));
     animal->numerIdentyfikacyjnyMatki = Fresh("PL005000000000");
     return animal;
 }
@@ -93,7 +95,7 @@ int main()
         std::vector<std::unique_ptr<TZZIInfoClass>> animals; // made outside the measured time
         for (int i = 0; i < AnimalsPerHerd; ++i)
             animals.push_back(MakeAnimal(state, herd, i, reference));
-        const QString code = QStringLiteral("%1").arg(herd, 3, 10, QLatin1Char('0'));
+        const QString code = u"%1"_s.arg(herd, 3, 10, QLatin1Char('0'));
         timer.restart();
         cpuStart = CpuNanoseconds();
         for (const auto& animal : animals) {

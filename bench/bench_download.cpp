@@ -13,6 +13,8 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 class QuietHost : public OperationHost {
 public:
@@ -27,7 +29,7 @@ public:
         messages.push_back({caption, text});
     }
     bool askYesNo(const QString&, const QString&) override { return true; }
-    std::optional<QString> askHerd() override { return QStringLiteral("ALL"); }
+    std::optional<QString> askHerd() override { return u"ALL"_s; }
     std::vector<int> summaryRowsInDisplayOrder() override { return {}; }
     void openWithDesktop(const QString&) override {}
 };

@@ -12,6 +12,8 @@
 
 #include <time.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 class SilentHost : public OperationHost {
 public:
@@ -23,30 +25,30 @@ public:
     void memoCleared(Memo) override {}
     void showMessage(const QString&, const QString&, MessageIcon) override {}
     bool askYesNo(const QString&, const QString&) override { return false; }
-    std::optional<QString> askHerd() override { return QStringLiteral("ALL"); }
+    std::optional<QString> askHerd() override { return u"ALL"_s; }
     std::vector<int> summaryRowsInDisplayOrder() override { return rows; }
     void openWithDesktop(const QString&) override {}
 };
 
 void Fill(Table& summary, int animals)
 {
-    const QString female = QStringLiteral("Samica"), meat = QString::fromUtf8("Mięsny");
-    const QString where = QString::fromUtf8("Halvarn krów mamek, -");
+    const QString female = u"Samica"_s, meat = u"Mięsny"_s;
+    const QString where = u"Halvarn krów mamek, -"_s;
     for (int i = 0; i < animals; ++i) {
         summary.append();
-        summary.setValue(u"NumerIdentyfikacyjny", QStringLiteral("PL%1").arg(5000000000LL + i, 12, 10, QLatin1Char('0')));
+        summary.setValue(u"NumerIdentyfikacyjny", u"PL%1"_s.arg(5000000000LL + i, 12, 10, QLatin1Char('0')));
         summary.setValue(u"Plec", female);
         summary.setValue(u"DataUrodzenia", QDate(2020, 1, 1).addDays(i % 2000));
         summary.setValue(u"Wiek", i % 120);
         summary.setValue(u"TypUzytkowy", meat);
         summary.setValue(u"KierunekUzytkowania", meat);
         summary.setValue(u"GdzieRozpatrzono", where);
-        summary.setValue(u"Rozpatrzono", QStringLiteral("D"));
+        summary.setValue(u"Rozpatrzono", u"D"_s);
         summary.setValue(u"CzyMatka", i % 2);
-        summary.setValue(u"STADO", QStringLiteral("%1").arg(i % 20 + 1, 3, 10, QLatin1Char('0')));
+        summary.setValue(u"STADO", u"%1"_s.arg(i % 20 + 1, 3, 10, QLatin1Char('0')));
         summary.setValue(u"ZAZNACZONE", false);
-        summary.setValue(u"Rasa", QStringLiteral("LM"));
-        summary.setValue(u"NumerDzialalnosci", QStringLiteral("071234562-001"));
+        summary.setValue(u"Rasa", u"LM"_s);
+        summary.setValue(u"NumerDzialalnosci", u"071234562-001"_s);
         summary.post();
     }
 }
@@ -67,8 +69,8 @@ template <class F> QString Seconds(F&& run)
     const qint64 cpuStart = CpuNanoseconds();
     run();
     const double cpu = static_cast<double>(CpuNanoseconds() - cpuStart) / 1e9;
-    return QString::number(static_cast<double>(timer.nsecsElapsed()) / 1e9, 'f', 3) + QStringLiteral(" s (CPU ") +
-           QString::number(cpu, 'f', 3) + QStringLiteral(" s)");
+    return QString::number(static_cast<double>(timer.nsecsElapsed()) / 1e9, 'f', 3) + u" s (CPU "_s +
+           QString::number(cpu, 'f', 3) + u" s)"_s;
 }
 } // namespace
 
@@ -81,7 +83,7 @@ int main(int argc, char* argv[])
     HalvarnSession session(DataFolder(folder.path()), host);
     DataFolder(folder.path()).prepare();
     session.ClearAllData();
-    session.inputs.producerNumber = QStringLiteral("071234562");
+    session.inputs.producerNumber = u"071234562"_s;
     session.referenceDate = QDate::currentDate();
     Fill(session.tables().mdRZ00(), Animals);
     host.rows.resize(Animals);

@@ -18,12 +18,14 @@
 #include <QTextStream>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 class SilentDialogs : public UserDialogs {
 public:
     void message(const QString&, const QString&, MessageIcon) override {}
     bool question(const QString&, const QString&) override { return true; }
-    std::optional<QString> herd() override { return QStringLiteral("ALL"); }
+    std::optional<QString> herd() override { return u"ALL"_s; }
     void openFile(const QString&) override {}
 };
 
@@ -41,10 +43,10 @@ double RunCli(const QString& baseUrl, const DemoOptions& demo)
     QElapsedTimer timer;
     timer.start();
     cli.start(QStringLiteral(HALVARN_CLI),
-              {QStringLiteral("download"), QStringLiteral("--login"), demo.login, QStringLiteral("--password"),
-               demo.password, QStringLiteral("--producer"), demo.producerNumber, QStringLiteral("--sso-base"),
-               baseUrl, QStringLiteral("--api-base"), baseUrl, QStringLiteral("--data-dir"), data.path(),
-               QStringLiteral("--yes")});
+              {u"download"_s, u"--login"_s, demo.login, u"--password"_s,
+               demo.password, u"--producer"_s, demo.producerNumber, u"--sso-base"_s,
+               baseUrl, u"--api-base"_s, baseUrl, u"--data-dir"_s, data.path(),
+               u"--yes"_s});
     cli.waitForFinished(-1);
     return cli.exitCode() == 0 ? Seconds(timer) : -1;
 }
@@ -75,7 +77,7 @@ WindowRun RunWindow(const QString& baseUrl, const DemoOptions& demo)
     probe.start();
     QElapsedTimer timer;
     timer.start();
-    window.findChild<QPushButton*>(QStringLiteral("cxButton1"))->click();
+    window.findChild<QPushButton*>(u"cxButton1"_s)->click();
     run.seconds = Seconds(timer);
     run.statusTexts = static_cast<int>(texts.size());
     run.animals = window.session().tables().mdRZ00().recordCount();

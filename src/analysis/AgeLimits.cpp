@@ -2,6 +2,8 @@
 
 #include "framework/IniFile.h"
 
+using namespace Qt::StringLiterals;
+
 const std::array<AgeLimitKey, AgeLimitCount>& AgeLimitKeys()
 {
     using enum AgeLimit;
@@ -34,7 +36,7 @@ const std::array<AgeLimitKey, AgeLimitCount>& AgeLimitKeys()
 
 QString AgeLimitsSection()
 {
-    return QStringLiteral("WIEK");
+    return u"WIEK"_s;
 }
 
 AgeLimits AgeLimits::defaults()
@@ -89,8 +91,8 @@ void AgeLimits::resetInvertedRanges(QStringList& problems)
     for (const auto& [lower, upper] : BoundedClasses) {
         if ((*this)[lower] <= (*this)[upper])
             continue;
-        problems.append(QStringLiteral("Niepoprawny przedział wieku w ustawieniach: [%1] %2=%3 jest większe niż %4=%5; "
-                                       "użyto %6 i %7")
+        problems.append(u"Niepoprawny przedział wieku w ustawieniach: [%1] %2=%3 jest większe niż %4=%5; "
+                                       u"użyto %6 i %7"_s
                             .arg(AgeLimitsSection(), QLatin1String(KeyOf(lower).key))
                             .arg((*this)[lower])
                             .arg(QLatin1String(KeyOf(upper).key))

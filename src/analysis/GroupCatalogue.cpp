@@ -2,15 +2,17 @@
 
 #include "core/tables/WorkingTables.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QString UpTo(int upper)
 {
-    return QStringLiteral("Wiek <= ") + QString::number(upper);
+    return u"Wiek <= "_s + QString::number(upper);
 }
 
 QString Between(int lower, int upper)
 {
-    return QString::number(lower) + QStringLiteral(" > Wiek <= ") + QString::number(upper);
+    return QString::number(lower) + u" > Wiek <= "_s + QString::number(upper);
 }
 
 struct RowText {
@@ -47,51 +49,51 @@ std::vector<GroupRow> CatalogueRows(const AgeLimits& limits, WelfareFlags flags)
 {
     const GroupRangeTexts r(limits);
     const QString none;
-    const QString dash = QStringLiteral("-");
-    const QString over24 = QStringLiteral("24 > Wiek");
+    const QString dash = u"-"_s;
+    const QString over24 = u"24 > Wiek"_s;
     const QString to6 = UpTo(6);
     using enum GroupBlock;
     const RowText all[] = {
-        {1, SucklerCows, "Halvarn krów mamek", dash},
-        {2, SucklerCows, "  - mamki", over24},
-        {3, SucklerCows, "  - Opasy do 300kg", none},
-        {4, SucklerCows, "  - Cielęta do 150kg", r.mamekCalvesTo150},
-        {5, SucklerCows, "  - Cieleta od 150kg do 220kg", r.mamekCalves150To220},
-        {6, SucklerCows, "  - Cieleta powyżej 220kg", r.mamekCalvesOver220},
-        {7, SucklerCows, "  - Jałówki od 6 do 19", Between(6, 19)},
-        {8, SucklerCows, "  - Jałówki od 19 do 24", Between(19, 24)},
-        {9, SucklerCows, "", none},
-        {10, Fattening, "Halvarn opasów", dash},
-        {11, Fattening, "  - waga <= 150 kg", r.opasowTo150},
-        {12, Fattening, "  - 150 kg > waga <= 220 kg", r.opasow150To220},
-        {13, Fattening, "  - 220 kg > waga <= 300 kg", r.opasow220To300},
-        {14, Fattening, "  - 300 kg > waga <= 450 kg", r.opasow300To450},
-        {15, Fattening, "  - 450 kg > waga", r.opasowOver450},
-        {16, Fattening, "", none},
-        {17, Dairy, "Halvarn krów mlecznych", over24},
-        {18, Dairy, "", none},
-        {19, Dairy, "Bydło opasowe do 300 kg", Between(6, 8)},
-        {20, Dairy, "  - waga <= 150 kg", r.bydloTo150},
-        {21, Dairy, "  - 150 kg > waga <= 220 kg", r.bydlo150To220},
-        {22, Dairy, "  - 220 kg > waga <= 300 kg", r.bydlo220To300},
-        {23, Dairy, "Bydło opasowe ponad 300 kg", Between(8, 18)},
-        {24, Dairy, "  - 300 kg > waga <= 450 kg", r.bydlo300To450},
-        {25, Dairy, "  - 450 kg > waga", r.bydloOver450},
-        {26, Dairy, "Cielęta ", to6},
-        {27, Dairy, "  - Cielęta do 150kg", r.calvesTo150},
-        {28, Dairy, "  - Cieleta od 150kg do 220kg", r.calves150To220},
-        {29, Dairy, "  - Cieleta powyżej 220kg", r.calvesOver220},
-        {30, Dairy, "  - Cielęta (samice)", to6},
-        {31, Dairy, "  - Cielęta (samce)", to6},
-        {32, Dairy, "Jałówki od 6 do 19", Between(6, 19)},
-        {33, Dairy, "Jałówki od 19 do 24", Between(19, 24)},
-        {34, Dairy, "Krowy", over24},
-        {35, Dairy, "Byki", Between(6, 24)},
-        {36, Dairy, "Buhaje", over24},
-        {37, Dairy, "Krowy mamki z cielętami do 150 kg", none},
-        {38, Dairy, "Krowy mamki z cielętami 150 kg - 220 kg", none},
-        {39, Dairy, "Krowy mamki z cielętami 220 kg - 300 kg", none},
-        {40, Dairy, "NIE ROZLICZONE", none},
+        {GroupId::SucklerCows, SucklerCows, "Halvarn krów mamek", dash},
+        {GroupId::SucklerMothers, SucklerCows, "  - mamki", over24},
+        {GroupId::SucklerFattenersTo300, SucklerCows, "  - Opasy do 300kg", none},
+        {GroupId::SucklerCalvesTo150, SucklerCows, "  - Cielęta do 150kg", r.mamekCalvesTo150},
+        {GroupId::SucklerCalves150To220, SucklerCows, "  - Cieleta od 150kg do 220kg", r.mamekCalves150To220},
+        {GroupId::SucklerCalvesOver220, SucklerCows, "  - Cieleta powyżej 220kg", r.mamekCalvesOver220},
+        {GroupId::SucklerHeifers6To19, SucklerCows, "  - Jałówki od 6 do 19", Between(6, 19)},
+        {GroupId::SucklerHeifers19To24, SucklerCows, "  - Jałówki od 19 do 24", Between(19, 24)},
+        {GroupId::SucklerBlank, SucklerCows, "", none},
+        {GroupId::Fattening, Fattening, "Halvarn opasów", dash},
+        {GroupId::FatteningTo150, Fattening, "  - waga <= 150 kg", r.opasowTo150},
+        {GroupId::Fattening150To220, Fattening, "  - 150 kg > waga <= 220 kg", r.opasow150To220},
+        {GroupId::Fattening220To300, Fattening, "  - 220 kg > waga <= 300 kg", r.opasow220To300},
+        {GroupId::Fattening300To450, Fattening, "  - 300 kg > waga <= 450 kg", r.opasow300To450},
+        {GroupId::FatteningOver450, Fattening, "  - 450 kg > waga", r.opasowOver450},
+        {GroupId::FatteningBlank, Fattening, "", none},
+        {GroupId::DairyCows, Dairy, "Halvarn krów mlecznych", over24},
+        {GroupId::DairyBlank, Dairy, "", none},
+        {GroupId::BeefTo300, Dairy, "Bydło opasowe do 300 kg", Between(6, 8)},
+        {GroupId::BeefTo150, Dairy, "  - waga <= 150 kg", r.bydloTo150},
+        {GroupId::Beef150To220, Dairy, "  - 150 kg > waga <= 220 kg", r.bydlo150To220},
+        {GroupId::Beef220To300, Dairy, "  - 220 kg > waga <= 300 kg", r.bydlo220To300},
+        {GroupId::BeefOver300, Dairy, "Bydło opasowe ponad 300 kg", Between(8, 18)},
+        {GroupId::Beef300To450, Dairy, "  - 300 kg > waga <= 450 kg", r.bydlo300To450},
+        {GroupId::BeefOver450, Dairy, "  - 450 kg > waga", r.bydloOver450},
+        {GroupId::Calves, Dairy, "Cielęta ", to6},
+        {GroupId::CalvesTo150, Dairy, "  - Cielęta do 150kg", r.calvesTo150},
+        {GroupId::Calves150To220, Dairy, "  - Cieleta od 150kg do 220kg", r.calves150To220},
+        {GroupId::CalvesOver220, Dairy, "  - Cieleta powyżej 220kg", r.calvesOver220},
+        {GroupId::FemaleCalves, Dairy, "  - Cielęta (samice)", to6},
+        {GroupId::MaleCalves, Dairy, "  - Cielęta (samce)", to6},
+        {GroupId::Heifers6To19, Dairy, "Jałówki od 6 do 19", Between(6, 19)},
+        {GroupId::Heifers19To24, Dairy, "Jałówki od 19 do 24", Between(19, 24)},
+        {GroupId::Cows, Dairy, "Krowy", over24},
+        {GroupId::Bulls, Dairy, "Byki", Between(6, 24)},
+        {GroupId::BreedingBulls, Dairy, "Buhaje", over24},
+        {GroupId::CowsWithCalvesTo150, Dairy, "Krowy mamki z cielętami do 150 kg", none},
+        {GroupId::CowsWithCalves150To220, Dairy, "Krowy mamki z cielętami 150 kg - 220 kg", none},
+        {GroupId::CowsWithCalves220To300, Dairy, "Krowy mamki z cielętami 220 kg - 300 kg", none},
+        {GroupId::Unaccounted, Dairy, "NIE ROZLICZONE", none},
     };
     const auto ticked = [flags](GroupBlock block) {
         return block == SucklerCows ? flags.krowMamek : block == Fattening ? flags.opasow : flags.krowMlecznych;
@@ -106,7 +108,7 @@ std::vector<GroupRow> CatalogueRows(const AgeLimits& limits, WelfareFlags flags)
 void RebuildGroupCatalogue(WorkingTables& tables, const AgeLimits& limits, WelfareFlags flags)
 {
     const std::vector<GroupRow> rows = CatalogueRows(limits, flags);
-    const QString herd = QStringLiteral("%1").arg(1, 3, 10, QLatin1Char('0'));
+    const QString herd = u"%1"_s.arg(1, 3, 10, QLatin1Char('0'));
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
         Table& table = tables.mdGT(slot);
         table.disableControls();

@@ -18,7 +18,51 @@ struct GroupRow {
     QString ageRange; // "ZakresWieku"
 };
 
-inline constexpr int UnaccountedGroupId = 40; // "NIE ROZLICZONE"
+// The rows of the catalogue by their "ID"; the blank rows separate the blocks.
+namespace GroupId {
+enum : int {
+    SucklerCows = 1,
+    SucklerMothers = 2,
+    SucklerFattenersTo300 = 3,
+    SucklerCalvesTo150 = 4,
+    SucklerCalves150To220 = 5,
+    SucklerCalvesOver220 = 6,
+    SucklerHeifers6To19 = 7,
+    SucklerHeifers19To24 = 8,
+    SucklerBlank = 9,
+    Fattening = 10,
+    FatteningTo150 = 11,
+    Fattening150To220 = 12,
+    Fattening220To300 = 13,
+    Fattening300To450 = 14,
+    FatteningOver450 = 15,
+    FatteningBlank = 16,
+    DairyCows = 17,
+    DairyBlank = 18,
+    BeefTo300 = 19,
+    BeefTo150 = 20,
+    Beef150To220 = 21,
+    Beef220To300 = 22,
+    BeefOver300 = 23,
+    Beef300To450 = 24,
+    BeefOver450 = 25,
+    Calves = 26,
+    CalvesTo150 = 27,
+    Calves150To220 = 28,
+    CalvesOver220 = 29,
+    FemaleCalves = 30,
+    MaleCalves = 31,
+    Heifers6To19 = 32,
+    Heifers19To24 = 33,
+    Cows = 34,
+    Bulls = 35,
+    BreedingBulls = 36,
+    CowsWithCalvesTo150 = 37,
+    CowsWithCalves150To220 = 38,
+    CowsWithCalves220To300 = 39,
+    Unaccounted = 40,
+};
+} // namespace GroupId
 
 // The range texts of the configurable rows, built from the limits.
 struct GroupRangeTexts {

@@ -3,9 +3,10 @@
 #include "analysis/GroupCatalogue.h"
 #include "core/tables/WorkingTables.h"
 
-#include <QHash>
 
 #include <initializer_list>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 bool OneOf(const QString& value, std::initializer_list<const char*> codes)
@@ -21,16 +22,6 @@ bool In(int value, int lowerExclusive, int upperInclusive)
     return lowerExclusive < value && value <= upperInclusive;
 }
 
-// The mark texts are written into a row for every animal; one shared copy of
-// each keeps the tables small and spares a conversion per animal.
-const QString& Text(const char* utf8)
-{
-    static QHash<const char*, QString> texts;
-    auto found = texts.find(utf8);
-    if (found == texts.end())
-        found = texts.insert(utf8, QString::fromUtf8(utf8));
-    return *found;
-}
 } // namespace
 
 struct WelfareAnalysis::Animal {
@@ -62,7 +53,7 @@ void WelfareAnalysis::analyse(const AnimalFacts& facts, int slot)
     if (flags_.krowMlecznych)
         blockDairy(a);
     if (!a.counted)
-        count(slot, UnaccountedGroupId, Column::Ilosc);
+        count(slot, GroupId::Unaccounted, Column::Ilosc);
 }
 
 void WelfareAnalysis::blockSucklerCows(Animal& a) const
@@ -71,24 +62,24 @@ void WelfareAnalysis::blockSucklerCows(Animal& a) const
     if (!(type == QLatin1String("MI") || (type == QLatin1String("KO") && a.facts.useDirection == QLatin1String("MI"))))
         return;
     using enum AgeLimit;
-    const QString where = Text("Halvarn krów mamek, -");
-    const QString d = QStringLiteral("D");
+    const QString where = u"Halvarn krów mamek, -"_s;
+    const QString d = u"D"_s;
     const auto step = [&](bool condition, int subId, const QString& summaryCode, const QString& herdCode) {
         if (a.counted || !condition)
             return;
         a.counted = true;
-        count(a.slot, 1, Column::Ilosc);
+        count(a.slot, GroupId::SucklerCows, Column::Ilosc);
         mark(a, summaryCode, herdCode, where);
         sub(a, subId);
     };
-    step(a.female() && a.age() > 24, 2, d, d);
-    step(a.age() <= 8, 3, d, d);
-    step(a.age() <= limits_[HalvKrowMamekGrp_Cieleta_Do_150KG_Wiek_Do], 4, d, d);
+    step(a.female() && a.age() > 24, GroupId::SucklerMothers, d, d);
+    step(a.age() <= 8, GroupId::SucklerFattenersTo300, d, d);
+    step(a.age() <= limits_[HalvKrowMamekGrp_Cieleta_Do_150KG_Wiek_Do], GroupId::SucklerCalvesTo150, d, d);
     step(In(a.age(), limits_[HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Od],
-            limits_[HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do]), 5, d, d);
-    step(In(a.age(), limits_[HalvKrowMamekGrp_Cieleta_Ponad_220KG_Wiek_Od], 6), 6, d, d);
-    step(a.female() && In(a.age(), 6, 19), 7, QString(), QStringLiteral("DX"));
-    step(a.female() && In(a.age(), 19, 24), 8, d, d);
+            limits_[HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do]), GroupId::SucklerCalves150To220, d, d);
+    step(In(a.age(), limits_[HalvKrowMamekGrp_Cieleta_Ponad_220KG_Wiek_Od], 6), GroupId::SucklerCalvesOver220, d, d);
+    step(a.female() && In(a.age(), 6, 19), GroupId::SucklerHeifers6To19, QString(), u"DX"_s);
+    step(a.female() && In(a.age(), 19, 24), GroupId::SucklerHeifers19To24, d, d);
 }
 
 void WelfareAnalysis::blockFattening(Animal& a) const
@@ -97,18 +88,18 @@ void WelfareAnalysis::blockFattening(Animal& a) const
         !OneOf(a.facts.useDirection, {"OP", "MIOP", "MLOP"}))
         return;
     using enum AgeLimit;
-    main(a, 10, QStringLiteral("D"), Text("Halvarn opasów, -"));
+    main(a, GroupId::Fattening, u"D"_s, u"Halvarn opasów, -"_s);
     const int age = a.age();
     if (age <= limits_[HalvOpasowGrp_Do_150KG_Wiek_Do])
-        sub(a, 11);
+        sub(a, GroupId::FatteningTo150);
     if (In(age, limits_[HalvOpasowGrp_Od_150KG_Do_220KG_Wiek_Od], limits_[HalvOpasowGrp_Od_150KG_Do_220KG_Wiek_Do]))
-        sub(a, 12);
+        sub(a, GroupId::Fattening150To220);
     if (In(age, limits_[HalvOpasowGrp_Od_220KG_Do_300KG_Wiek_Od], 8))
-        sub(a, 13);
+        sub(a, GroupId::Fattening220To300);
     if (In(age, 8, limits_[HalvOpasowGrp_Od_300KG_Do_450KG_Wiek_Do]))
-        sub(a, 14);
+        sub(a, GroupId::Fattening300To450);
     if (age > limits_[HalvOpasowGrp_Ponad_450KG_Wiek_Od])
-        sub(a, 15);
+        sub(a, GroupId::FatteningOver450);
 }
 
 void WelfareAnalysis::blockDairy(Animal& a) const
@@ -117,7 +108,7 @@ void WelfareAnalysis::blockDairy(Animal& a) const
     const bool dairyCow = type == QLatin1String("ML") ||
                           (type == QLatin1String("KO") && a.facts.useDirection == QLatin1String("ML"));
     if (!a.counted && a.age() > 24 && a.female() && dairyCow)
-        main(a, 17, QStringLiteral("D"), Text("Halvarn krów mlecznych, 24 > Wiek"));
+        main(a, GroupId::DairyCows, u"D"_s, u"Halvarn krów mlecznych, 24 > Wiek"_s);
     dairyFattening(a);
     dairyCalves(a);
     dairyCowsAndBulls(a);
@@ -130,22 +121,22 @@ void WelfareAnalysis::dairyFattening(Animal& a) const
         !OneOf(a.facts.useDirection, {"OP", "MIOP", "MLOP"}))
         return;
     using enum AgeLimit;
-    const QString x = QStringLiteral("X");
+    const QString x = u"X"_s;
     const int age = a.age();
     if (age <= 8) {
-        main(a, 19, x, Text("Bydło opasowe do 300 kg, 6 > Wiek <= 8"));
+        main(a, GroupId::BeefTo300, x, u"Bydło opasowe do 300 kg, 6 > Wiek <= 8"_s);
         if (age <= limits_[BydloOpasoweGrp_Do_150KG_Wiek_Do])
-            sub(a, 20);
+            sub(a, GroupId::BeefTo150);
         if (In(age, limits_[BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Od], limits_[BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Do]))
-            sub(a, 21);
+            sub(a, GroupId::Beef150To220);
         if (In(age, limits_[BydloOpasoweGrp_Od_220KG_Do_300KG_Wiek_Od], 8))
-            sub(a, 22);
+            sub(a, GroupId::Beef220To300);
     } else if (age <= 18) {
-        main(a, 23, x, Text("Bydło opasowe ponad 300 kg, 8 > Wiek <= 18"));
+        main(a, GroupId::BeefOver300, x, u"Bydło opasowe ponad 300 kg, 8 > Wiek <= 18"_s);
         if (In(age, 8, limits_[BydloOpasoweGrp_Od_300KG_Do_450KG_Wiek_Do]))
-            sub(a, 24);
+            sub(a, GroupId::Beef300To450);
         if (age > limits_[BydloOpasoweGrp_Ponad_450KG_Wiek_Od])
-            sub(a, 25);
+            sub(a, GroupId::BeefOver450);
     }
 }
 
@@ -155,37 +146,37 @@ void WelfareAnalysis::dairyCalves(Animal& a) const
         return;
     using enum AgeLimit;
     const int age = a.age();
-    main(a, 26, QStringLiteral("X"), Text("Cielęta , Wiek <= 6"));
+    main(a, GroupId::Calves, u"X"_s, u"Cielęta , Wiek <= 6"_s);
     if (age <= limits_[CieletaGrp_Do_150KG_Wiek_Do])
-        sub(a, 27);
+        sub(a, GroupId::CalvesTo150);
     if (In(age, limits_[CieletaGrp_Od_150KG_Do_220KG_Wiek_Od], limits_[CieletaGrp_Od_150KG_Do_220KG_Wiek_Do]))
-        sub(a, 28);
+        sub(a, GroupId::Calves150To220);
     if (In(age, limits_[CieletaGrp_Ponad_220KG_Wiek_Od], 6))
-        sub(a, 29);
-    sub(a, a.female() ? 30 : 31);
+        sub(a, GroupId::CalvesOver220);
+    sub(a, a.female() ? GroupId::FemaleCalves : GroupId::MaleCalves);
 }
 
 void WelfareAnalysis::dairyCowsAndBulls(Animal& a) const
 {
-    const QString x = QStringLiteral("X");
+    const QString x = u"X"_s;
     const int age = a.age();
     if (!a.counted && a.female() && In(age, 6, 19))
-        main(a, 32, x, Text("Jałówki od 6 do 19, 6 > Wiek <= 19"));
+        main(a, GroupId::Heifers6To19, x, u"Jałówki od 6 do 19, 6 > Wiek <= 19"_s);
     if (!a.counted && a.female() && In(age, 19, 24))
-        main(a, 33, x, Text("Jałówki od 19 do 24, 19 > Wiek <= 24"));
+        main(a, GroupId::Heifers19To24, x, u"Jałówki od 19 do 24, 19 > Wiek <= 24"_s);
     if (!a.counted && a.female() && age > 24) {
-        const QString where = Text("Krowy, 24 > Wiek");
-        main(a, 34, x, where);
+        const QString where = u"Krowy, 24 > Wiek"_s;
+        main(a, GroupId::Cows, x, where);
         if (!OneOf(a.facts.useType, {"KO", "MI", "ML"}) ||
             !OneOf(a.facts.useDirection, {"OP", "MI", "MIOP", "ML", "MLOP"})) {
-            sub(a, 34);
-            mark(a, QStringLiteral("MD"), QStringLiteral("MD"), where);
+            sub(a, GroupId::Cows);
+            mark(a, u"MD"_s, u"MD"_s, where);
         }
     }
     if (!a.counted && In(age, 6, 24))
-        main(a, 35, x, Text("Byki, 6 > Wiek <= 24"));
+        main(a, GroupId::Bulls, x, u"Byki, 6 > Wiek <= 24"_s);
     if (!a.counted && age > 24)
-        main(a, 36, x, Text("Buhaje, 24 > Wiek"));
+        main(a, GroupId::BreedingBulls, x, u"Buhaje, 24 > Wiek"_s);
 }
 
 // Cows over 24 months are all taken by the steps before, so in practice this
@@ -197,16 +188,18 @@ void WelfareAnalysis::dairySucklerCows(Animal& a) const
     const int calfAge = a.facts.calfAge ? a.facts.calfAge() : 0;
     if (calfAge == 0 || calfAge > 6)
         return;
-    const int id = calfAge <= 2 ? 37 : calfAge <= 4 ? 38 : 39;
-    const char* captions[] = {"Krowy mamki z cielętami do 150 kg, ", "Krowy mamki z cielętami 150 kg - 220 kg, ",
-                              "Krowy mamki z cielętami 220 kg - 300 kg, "};
-    const QString where = Text(captions[id - 37]);
+    const int id = calfAge <= 2   ? GroupId::CowsWithCalvesTo150
+                   : calfAge <= 4 ? GroupId::CowsWithCalves150To220
+                                  : GroupId::CowsWithCalves220To300;
+    const QString captions[] = {u"Krowy mamki z cielętami do 150 kg, "_s, u"Krowy mamki z cielętami 150 kg - 220 kg, "_s,
+                                u"Krowy mamki z cielętami 220 kg - 300 kg, "_s};
+    const QString where = captions[id - GroupId::CowsWithCalvesTo150];
     if (OneOf(a.facts.useType, {"KO", "MI"}) && OneOf(a.facts.useDirection, {"OP", "MI", "MIOP", "MLOP"})) {
-        main(a, id, QStringLiteral("X"), where);
+        main(a, id, u"X"_s, where);
     } else if (!OneOf(a.facts.useType, {"KO", "MI", "ML"}) ||
                !OneOf(a.facts.useDirection, {"OP", "MI", "MIOP", "ML", "MLOP"})) {
         sub(a, id);
-        mark(a, QStringLiteral("MM"), QStringLiteral("MM"), where);
+        mark(a, u"MM"_s, u"MM"_s, where);
     }
 }
 

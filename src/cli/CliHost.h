@@ -7,6 +7,8 @@
 
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 // The terminal as the host of long operations: progress and messages go to
 // stderr, questions are answered by the command line.
 class CliHost : public OperationHost {
@@ -22,7 +24,7 @@ public:
     void memoCleared(Memo) override {}
     void showMessage(const QString& caption, const QString& text, MessageIcon icon) override;
     bool askYesNo(const QString& caption, const QString& text) override;
-    std::optional<QString> askHerd() override { return QStringLiteral("ALL"); }
+    std::optional<QString> askHerd() override { return u"ALL"_s; }
     std::vector<int> summaryRowsInDisplayOrder() override;
     void openWithDesktop(const QString&) override {}
     void setSummaryRowCount(int rows) { summaryRows_ = rows; }

@@ -7,6 +7,8 @@
 #include <QRegularExpression>
 #include <QTextStream>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QCommandLineOption Value(const char* name, const char* description, const char* valueName)
 {
@@ -17,12 +19,12 @@ bool ParseDate(const QString& option, const QString& text, QDate& date, QString&
 {
     date = QDate::fromString(text, u"yyyy-MM-dd");
     if (!date.isValid()) {
-        error = QStringLiteral("Niepoprawna data --%1: %2 (oczekiwano RRRR-MM-DD)").arg(option, text);
+        error = u"Niepoprawna data --%1: %2 (oczekiwano RRRR-MM-DD)"_s.arg(option, text);
         return false;
     }
     // Day counts of the tables start at 30 December 1899; earlier days are typing errors.
     if (date < QDate(1900, 1, 1)) {
-        error = QString::fromUtf8("Data --%1 nie może być wcześniejsza niż 1900-01-01: %2").arg(option, text);
+        error = u"Data --%1 nie może być wcześniejsza niż 1900-01-01: %2"_s.arg(option, text);
         return false;
     }
     return true;
@@ -39,7 +41,7 @@ bool ParseKinds(const QString& text, WelfareFlags& flags, QString& error)
         else if (kind == u"mleczne")
             flags.krowMlecznych = true;
         else {
-            error = QStringLiteral("Nieznany rodzaj: %1 (mamki, opasy, mleczne)").arg(kind);
+            error = u"Nieznany rodzaj: %1 (mamki, opasy, mleczne)"_s.arg(kind);
             return false;
         }
     }
@@ -51,7 +53,7 @@ bool ParseCount(const QString& option, const QString& text, int highest, std::op
     bool ok = false;
     const int number = text.toInt(&ok);
     if (!ok || number < 1 || number > highest) {
-        error = QString::fromUtf8("Niepoprawna wartość --%1: %2 (dozwolone od 1 do %3)").arg(option, text).arg(highest);
+        error = u"Niepoprawna wartość --%1: %2 (dozwolone od 1 do %3)"_s.arg(option, text).arg(highest);
         return false;
     }
     value = number;
@@ -60,10 +62,10 @@ bool ParseCount(const QString& option, const QString& text, int highest, std::op
 
 bool CheckProducerNumber(const QString& number, QString& error)
 {
-    static const QRegularExpression nineDigits(QStringLiteral("^[0-9]{9}$"));
+    static const QRegularExpression nineDigits(u"^[0-9]{9}$"_s);
     if (nineDigits.match(number).hasMatch())
         return true;
-    error = QString::fromUtf8("Numer producenta (--producer) musi mieć dokładnie 9 cyfr, bez PL: %1").arg(number);
+    error = u"Numer producenta (--producer) musi mieć dokładnie 9 cyfr, bez PL: %1"_s.arg(number);
     return false;
 }
 
@@ -72,16 +74,16 @@ bool CheckProducerNumber(const QString& number, QString& error)
 // option the environment's HALVARN_PASSWORD is used.
 bool ReadPassword(const QCommandLineParser& parser, QString& password, QString& error)
 {
-    if (!parser.isSet(QStringLiteral("password"))) {
+    if (!parser.isSet(u"password"_s)) {
         password = qEnvironmentVariable("HALVARN_PASSWORD");
         return true;
     }
-    password = parser.value(QStringLiteral("password"));
+    password = parser.value(u"password"_s);
     if (password != u"-")
         return true;
     password = QTextStream(stdin).readLine();
     if (password.isNull())
-        error = QString::fromUtf8("Brak hasła na standardowym wejściu (--password -)");
+        error = u"Brak hasła na standardowym wejściu (--password -)"_s;
     return !password.isNull();
 }
 
@@ -100,7 +102,7 @@ bool ReadCheckedValues(const QCommandLineParser& parser, CliOptions& options, QS
     };
     const auto isSet = [&](const char* name) { return parser.isSet(QLatin1String(name)); };
     return optionalDate("state-date", inputs.stateDate) && optionalDate("reference-date", inputs.referenceDate) &&
-           (!isSet("kinds") || ParseKinds(parser.value(QStringLiteral("kinds")), inputs.flags, error)) &&
+           (!isSet("kinds") || ParseKinds(parser.value(u"kinds"_s), inputs.flags, error)) &&
            optionalCount("parallel", 64, options.parallel) &&
            optionalCount("timeout-seconds", 3600, options.timeoutSeconds) &&
            (!isSet("producer") || CheckProducerNumber(inputs.producerNumber, error)) &&
@@ -111,9 +113,9 @@ bool ReadCheckedValues(const QCommandLineParser& parser, CliOptions& options, QS
 bool CliOptions::parse(const QStringList& arguments, QString& error)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QString::fromUtf8("Halvarn: pobieranie stad z rejestru IRZplus i grupy technologiczne"));
+    parser.setApplicationDescription(u"Halvarn: pobieranie stad z rejestru IRZplus i grupy technologiczne"_s);
     parser.addHelpOption();
-    parser.addPositionalArgument(QStringLiteral("download"), QString::fromUtf8("pobierz dane producenta"));
+    parser.addPositionalArgument(u"download"_s, u"pobierz dane producenta"_s);
     parser.addOptions({
         Value("login", "login do rejestru", "L"),
         Value("password", "hasło do rejestru; \"-\" czyta je ze standardowego wejścia "
@@ -130,29 +132,29 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
         Value("data-dir", "folder danych programu", "DIR"),
         Value("dump-json", "zapisz stan tabel do pliku JSON", "FILE"),
         Value("export-dir", "zapisz eksporty do folderu", "DIR"),
-        {QStringLiteral("demo"), QString::fromUtf8("użyj wbudowanego symulatora rejestru")},
-        {QStringLiteral("yes"), QString::fromUtf8("odpowiadaj Tak na pytania")},
+        {u"demo"_s, u"użyj wbudowanego symulatora rejestru"_s},
+        {u"yes"_s, u"odpowiadaj Tak na pytania"_s},
     });
     if (!parser.parse(arguments)) {
         error = parser.errorText();
         return false;
     }
-    if (parser.positionalArguments() != QStringList{QStringLiteral("download")}) {
+    if (parser.positionalArguments() != QStringList{u"download"_s}) {
         error = parser.helpText();
         return false;
     }
-    inputs.login = parser.value(QStringLiteral("login"));
-    inputs.producerNumber = parser.value(QStringLiteral("producer"));
-    inputs.producerName = parser.value(QStringLiteral("name"));
-    dataDir = parser.value(QStringLiteral("data-dir"));
-    dumpJson = parser.value(QStringLiteral("dump-json"));
-    exportDir = parser.value(QStringLiteral("export-dir"));
-    demo = parser.isSet(QStringLiteral("demo"));
-    answerYes = parser.isSet(QStringLiteral("yes"));
-    if (parser.isSet(QStringLiteral("sso-base")))
-        ssoBase = parser.value(QStringLiteral("sso-base"));
-    if (parser.isSet(QStringLiteral("api-base")))
-        apiBase = parser.value(QStringLiteral("api-base"));
+    inputs.login = parser.value(u"login"_s);
+    inputs.producerNumber = parser.value(u"producer"_s);
+    inputs.producerName = parser.value(u"name"_s);
+    dataDir = parser.value(u"data-dir"_s);
+    dumpJson = parser.value(u"dump-json"_s);
+    exportDir = parser.value(u"export-dir"_s);
+    demo = parser.isSet(u"demo"_s);
+    answerYes = parser.isSet(u"yes"_s);
+    if (parser.isSet(u"sso-base"_s))
+        ssoBase = parser.value(u"sso-base"_s);
+    if (parser.isSet(u"api-base"_s))
+        apiBase = parser.value(u"api-base"_s);
     return ReadCheckedValues(parser, *this, error);
 }
 

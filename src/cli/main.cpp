@@ -16,6 +16,8 @@
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 enum ExitCode { Completed = 0, StoppedEarly = 1, BadArguments = 2, Incomplete = 3 };
 
@@ -36,8 +38,8 @@ int ExitCodeFor(DownloadOutcome outcome, bool exportsFailed)
 bool WriteExports(HalvarnSession& session, CliHost& host, const QString& folder)
 {
     if (!QDir().mkpath(folder)) {
-        host.showMessage(QString::fromUtf8("Błąd..."),
-                         QString::fromUtf8("Nie można utworzyć folderu eksportu: ") + folder, MessageIcon::Error);
+        host.showMessage(u"Błąd..."_s,
+                         u"Nie można utworzyć folderu eksportu: "_s + folder, MessageIcon::Error);
         return false;
     }
     host.setSummaryRowCount(session.tables().mdRZ00().recordCount());
@@ -48,8 +50,8 @@ bool WriteExports(HalvarnSession& session, CliHost& host, const QString& folder)
         return written;
     };
     QString path;
-    bool written = listed(exports.writeHerdAnimals(QStringLiteral("ALL"), path), path);
-    written = listed(exports.writeHerdGroups(QStringLiteral("ALL"), path), path) && written;
+    bool written = listed(exports.writeHerdAnimals(u"ALL"_s, path), path);
+    written = listed(exports.writeHerdGroups(u"ALL"_s, path), path) && written;
     return listed(exports.writeSummaryCsv(path), path) && written;
 }
 
@@ -61,7 +63,7 @@ bool ExportsFailed(DownloadOutcome outcome, const CliOptions& options, HalvarnSe
     if (options.exportDir.isEmpty())
         return false;
     if (!RanToItsEnd(outcome)) {
-        QTextStream(stderr) << QString::fromUtf8("Eksport pominięty: pobieranie nie dobiegło końca") << Qt::endl;
+        QTextStream(stderr) << u"Eksport pominięty: pobieranie nie dobiegło końca"_s << Qt::endl;
         return false;
     }
     return !WriteExports(session, host, options.exportDir);
@@ -83,7 +85,7 @@ int RunDownload(const CliOptions& options)
     QTextStream err(stderr);
     DataFolder folder(DataFolder::resolve(options.dataDir));
     if (!folder.prepare()) {
-        err << QString::fromUtf8("Nie można utworzyć folderu danych: ") << folder.root() << Qt::endl;
+        err << u"Nie można utworzyć folderu danych: "_s << folder.root() << Qt::endl;
         return StoppedEarly;
     }
     RegistryConfig config = RegistryConfig::read(IniFile(folder.settingsFile()));
@@ -94,7 +96,7 @@ int RunDownload(const CliOptions& options)
     if (options.demo) {
         simulator = StartDemoRegistryFor(inputs);
         if (!simulator) {
-            err << QString::fromUtf8("Nie można uruchomić symulatora rejestru") << Qt::endl;
+            err << u"Nie można uruchomić symulatora rejestru"_s << Qt::endl;
             return StoppedEarly;
         }
         config.ssoBase = config.apiBase = simulator->baseUrl();
@@ -117,7 +119,7 @@ int RunDownload(const CliOptions& options)
 int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("Halvarn"));
+    QCoreApplication::setApplicationName(u"Halvarn"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(HALVARN_VERSION));
     CliOptions options;
     QString error;

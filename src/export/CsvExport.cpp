@@ -5,6 +5,8 @@
 
 #include <QHash>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 const char* const Title =
     "LP;NrProducenta;Rasa;Płeć;NrZwierzęcia;Grupatechnologiczna;DataUrodzenia;Wiek;TypUzytkowy;"
@@ -21,7 +23,7 @@ const char* const Fields[] = {"Rasa", "Plec", "NumerIdentyfikacyjny", "GdzieRozp
 // Quotation marks inside a value are written as they are.
 QString Quoted(const QString& value)
 {
-    return u'"' + value + QStringLiteral("\";");
+    return u'"' + value + u"\";"_s;
 }
 } // namespace
 
@@ -34,7 +36,7 @@ QByteArray SummaryCsv(Table& summary, const std::vector<int>& rows, const QStrin
     QHash<QString, int> firstRowOf; // the lookup by identification number, built once
     for (int row = summary.recordCount() - 1; row >= 0; --row)
         firstRowOf.insert(AsString(summary.at(row, number)), row);
-    QString text = QString::fromUtf8(Title) + QStringLiteral("\r\n");
+    QString text = QString::fromUtf8(Title) + u"\r\n"_s;
     int line = 0;
     for (int row : rows) {
         // Should the lookup find nothing, the line comes from the current record.
@@ -44,7 +46,7 @@ QByteArray SummaryCsv(Table& summary, const std::vector<int>& rows, const QStrin
         text += Quoted(QString::number(++line)) + Quoted(producer);
         for (int field : fields)
             text += Quoted(DisplayText(summary.value(field)));
-        text += QStringLiteral("\r\n");
+        text += u"\r\n"_s;
     }
     return ToCp1250(text);
 }

@@ -10,11 +10,9 @@
 
 #include <QDir>
 
+using namespace Qt::StringLiterals;
+
 namespace {
-QString Text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 QString Native(const QString& path)
 {
@@ -29,7 +27,7 @@ ExportCommands::ExportCommands(HalvarnSession& session, QString exportFolder, QS
         exportFolder_ = session_.dataFolder().exportFolder();
     if (csvFolder_.isEmpty()) {
         const IniFile settings(session_.dataFolder().settingsFile());
-        csvFolder_ = settings.readString(QStringLiteral("PATHS"), QStringLiteral("CSV"), exportFolder_);
+        csvFolder_ = settings.readString(u"PATHS"_s, u"CSV"_s, exportFolder_);
     }
     exportFolder_ = WithTrailingSeparator(exportFolder_);
     csvFolder_ = WithTrailingSeparator(csvFolder_);
@@ -43,10 +41,10 @@ ExportNaming ExportCommands::naming(const QString& folder) const
 void ExportCommands::exportSummaryXls()
 {
     const QString path =
-        naming(exportFolder_).ExportFileName(Text("Zwierzęta FILTROWANE-"), true, QStringLiteral(".XLS"));
+        naming(exportFolder_).ExportFileName(u"Zwierzęta FILTROWANE-"_s, true, u".XLS"_s);
     const std::vector<int> rows = session_.host().summaryRowsInDisplayOrder();
     const bool saved = writeWorkbook(path, [&](XlsWorkbook& workbook) {
-        WriteSummarySheet(workbook.addSheet(Text("Ogółem")), session_.tables().mdRZ00(), rows);
+        WriteSummarySheet(workbook.addSheet(u"Ogółem"_s), session_.tables().mdRZ00(), rows);
     });
     if (saved)
         AskOpenFile(path);
@@ -61,14 +59,14 @@ void ExportCommands::exportSummaryCsv()
 
 bool ExportCommands::writeSummaryCsv(QString& path)
 {
-    path = naming(csvFolder_).ExportFileName(Text("Zwierzęta-"), true, QStringLiteral(".CSV"));
+    path = naming(csvFolder_).ExportFileName(u"Zwierzęta-"_s, true, u".CSV"_s);
     const QByteArray text = SummaryCsv(session_.tables().mdRZ00(), session_.host().summaryRowsInDisplayOrder(),
                                        session_.inputs.producerNumber);
     try {
         WriteFileAtomically(path, text);
         return true;
     } catch (const FileWriteError& error) {
-        session_.host().showMessage(Text("Błąd..."), error.message(), MessageIcon::Error);
+        session_.host().showMessage(u"Błąd..."_s, error.message(), MessageIcon::Error);
         return false;
     }
 }
@@ -91,7 +89,7 @@ void ExportCommands::exportHerdGroups()
 
 bool ExportCommands::writeHerdAnimals(const QString& herd, QString& path)
 {
-    path = naming(exportFolder_).ExportFileName(Text("Zwierzęta-"), true, QStringLiteral(".XLS"));
+    path = naming(exportFolder_).ExportFileName(u"Zwierzęta-"_s, true, u".XLS"_s);
     return writeWorkbook(path, [&](XlsWorkbook& workbook) {
         addHerdSheets(workbook, herd, [](XlsWorksheet& sheet, const THerdSlot& slot) {
             WriteHerdAnimalsSheet(sheet, *slot.AnimalsTable);
@@ -101,7 +99,7 @@ bool ExportCommands::writeHerdAnimals(const QString& herd, QString& path)
 
 bool ExportCommands::writeHerdGroups(const QString& herd, QString& path)
 {
-    path = naming(exportFolder_).ExportFileName(QStringLiteral("Grupy-"), false, QStringLiteral(".XLS"));
+    path = naming(exportFolder_).ExportFileName(u"Grupy-"_s, false, u".XLS"_s);
     return writeWorkbook(path, [&](XlsWorkbook& workbook) {
         addHerdSheets(workbook, herd, [](XlsWorksheet& sheet, const THerdSlot& slot) {
             WriteHerdGroupsSheet(sheet, *slot.GroupsTable);
@@ -118,7 +116,7 @@ void ExportCommands::addHerdSheets(XlsWorkbook& workbook, const QString& herd, F
     const auto& slots = session_.tables().HerdSlots;
     const bool all = herd == u"ALL";
     if (all || herd == u"000")
-        fill(workbook.addSheet(Text("Ogółem")), slots[0]);
+        fill(workbook.addSheet(u"Ogółem"_s), slots[0]);
     for (int i = 1; i < HerdSlotCount; ++i) {
         const THerdSlot& slot = slots[static_cast<std::size_t>(i)];
         if (slot.Visible && (all || herd == slot.Code))
@@ -136,20 +134,20 @@ bool ExportCommands::writeWorkbook(const QString& path, const std::function<void
         workbook.save(path);
         return true;
     } catch (const std::exception& error) {
-        session_.host().showMessage(Text("Błąd..."), QString::fromUtf8(error.what()), MessageIcon::Error);
+        session_.host().showMessage(u"Błąd..."_s, QString::fromUtf8(error.what()), MessageIcon::Error);
         return false;
     }
 }
 
 void ExportCommands::showSaved(const QString& path)
 {
-    session_.host().showMessage(QStringLiteral("Informacja"), Text("Zapisano do: ") + Native(path),
+    session_.host().showMessage(u"Informacja"_s, u"Zapisano do: "_s + Native(path),
                                 MessageIcon::Information);
 }
 
 void ExportCommands::AskOpenFile(const QString& path)
 {
     showSaved(path);
-    if (session_.host().askYesNo(QStringLiteral("Pytanie"), Text("Czy otworzyć stworzony plik?")))
+    if (session_.host().askYesNo(u"Pytanie"_s, u"Czy otworzyć stworzony plik?"_s))
         session_.host().openWithDesktop(path);
 }

@@ -5,6 +5,8 @@
 
 #include <initializer_list>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 void WriteTitles(XlsWorksheet& sheet, std::initializer_list<const char*> titles)
 {
@@ -32,9 +34,9 @@ void RequireRowsFit(const XlsWorksheet& sheet, std::size_t records)
 {
     const std::size_t rows = records + 2;
     if (rows > static_cast<std::size_t>(XlsWorksheet::MaxRows))
-        throw XlsError(QString::fromUtf8("Za dużo wierszy dla arkusza XLS \"%1\": %2 rekordów z tytułem i "
-                                         "podsumowaniem to %3 wierszy, a format pozwala najwyżej na %4. "
-                                         "Plik nie został zapisany.")
+        throw XlsError(u"Za dużo wierszy dla arkusza XLS \"%1\": %2 rekordów z tytułem i "
+                                         u"podsumowaniem to %3 wierszy, a format pozwala najwyżej na %4. "
+                                         u"Plik nie został zapisany."_s
                            .arg(sheet.name())
                            .arg(records)
                            .arg(rows)
@@ -66,7 +68,7 @@ void WriteSummarySheet(XlsWorksheet& sheet, const Table& summary, const std::vec
                      "KierunekUzytkowania", "Rozpatrzono", "GdzieRozpatrzono", "CzyMatka", "Plec"});
         mothers += AsInteger(summary.at(record, mother));
     }
-    sheet.setText(row, 1, QString::fromUtf8("Ilość:"));
+    sheet.setText(row, 1, u"Ilość:"_s);
     sheet.setNumber(row, 4, static_cast<double>(rows.size()));
     sheet.setNumber(row, 10, mothers);
 }
@@ -95,7 +97,7 @@ void WriteHerdAnimalsSheet(XlsWorksheet& sheet, Table& animals)
         ++row;
         ++count;
     }
-    sheet.setText(row, 1, QString::fromUtf8("Ilość:"));
+    sheet.setText(row, 1, u"Ilość:"_s);
     sheet.setNumber(row, 2, count);
     sheet.setNumber(row, 8, mothers);
 }
@@ -113,6 +115,6 @@ void WriteHerdGroupsSheet(XlsWorksheet& sheet, Table& groups)
         sum += AsInteger(groups.value(count));
         groups.next();
     }
-    sheet.setText(row, 2, QStringLiteral("Suma:"));
+    sheet.setText(row, 2, u"Suma:"_s);
     sheet.setNumber(row, 3, sum);
 }

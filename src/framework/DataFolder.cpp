@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QStandardPaths>
 
+using namespace Qt::StringLiterals;
+
 QString DataFolder::resolve(const QString& commandLineDir)
 {
     if (!commandLineDir.isEmpty())
@@ -20,7 +22,7 @@ DataFolder::DataFolder(QString root) : root_(QDir::cleanPath(std::move(root))) {
 bool DataFolder::prepare() const
 {
     QDir dir;
-    for (const QString& sub : {QStringLiteral("EXPORT"), QStringLiteral("SZABLONY"), QStringLiteral("PDF")})
+    for (const QString& sub : {u"EXPORT"_s, u"SZABLONY"_s, u"PDF"_s})
         if (!dir.mkpath(file(sub)))
             return false;
     return true;
@@ -29,9 +31,9 @@ bool DataFolder::prepare() const
 CommonSettings CommonSettings::read(const QString& path)
 {
     const IniFile ini(path);
-    const QString section = QStringLiteral("PARAM");
+    const QString section = u"PARAM"_s;
     CommonSettings settings;
-    settings.tester = ini.readBool(section, QStringLiteral("TESTER"), false);
-    settings.torvLogin = ini.readBool(section, QStringLiteral("TORV_Login"), false);
+    settings.tester = ini.readBool(section, u"TESTER"_s, false);
+    settings.torvLogin = ini.readBool(section, u"TORV_Login"_s, false);
     return settings;
 }

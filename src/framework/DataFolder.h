@@ -2,6 +2,8 @@
 
 #include <QString>
 
+using namespace Qt::StringLiterals;
+
 // The one folder that holds everything the program keeps: settings, the
 // producer list, exports, templates, PDFs and the error log.
 class DataFolder {
@@ -16,12 +18,12 @@ public:
     bool prepare() const;
 
     const QString& root() const { return root_; }
-    QString settingsFile() const { return file(QStringLiteral("HALVARN.INI")); }
-    QString commonSettingsFile() const { return file(QStringLiteral("COMMON.INI")); }
-    QString producerListFile() const { return file(QStringLiteral("KNTRH_V002.DAT")); }
-    QString exportFolder() const { return file(QStringLiteral("EXPORT")) + u'/'; }
-    QString templatesFolder() const { return file(QStringLiteral("SZABLONY")) + u'/'; }
-    QString pdfFolder() const { return file(QStringLiteral("PDF")) + u'/'; }
+    QString settingsFile() const { return file(u"HALVARN.INI"_s); }
+    QString commonSettingsFile() const { return file(u"COMMON.INI"_s); }
+    QString producerListFile() const { return file(u"KNTRH_V002.DAT"_s); }
+    QString exportFolder() const { return file(u"EXPORT"_s) + u'/'; }
+    QString templatesFolder() const { return file(u"SZABLONY"_s) + u'/'; }
+    QString pdfFolder() const { return file(u"PDF"_s) + u'/'; }
 
 private:
     QString file(const QString& name) const { return root_ + u'/' + name; }

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 bool SameName(const QString& a, const QString& b)
 {
@@ -48,9 +50,9 @@ void IniFile::save() const
     QString text;
     for (const Section& section : sections_) {
         if (!section.name.isNull())
-            text += u'[' + section.name + QStringLiteral("]\r\n");
+            text += u'[' + section.name + u"]\r\n"_s;
         for (const Line& line : section.lines)
-            text += line.text + QStringLiteral("\r\n");
+            text += line.text + u"\r\n"_s;
     }
     WriteFileAtomically(path_, ToCp1250(text));
 }
@@ -105,7 +107,7 @@ int IniFile::readInteger(const QString& section, const QString& key, int default
     const int value = text.toInt(&ok);
     if (ok && value >= range.least && value <= range.most)
         return value;
-    problems.append(QStringLiteral("Niepoprawna wartość w ustawieniach: [%1] %2=%3 (dozwolone %4..%5); użyto %6")
+    problems.append(u"Niepoprawna wartość w ustawieniach: [%1] %2=%3 (dozwolone %4..%5); użyto %6"_s
                         .arg(section, key, text)
                         .arg(range.least)
                         .arg(range.most)

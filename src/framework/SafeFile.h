@@ -1,14 +1,14 @@
 #pragma once
 
+#include "framework/HalvarnError.h"
+
 #include <QByteArray>
 #include <QString>
 
-#include <stdexcept>
 
-class FileWriteError : public std::runtime_error {
+class FileWriteError : public HalvarnError {
 public:
-    explicit FileWriteError(const QString& message) : std::runtime_error(message.toStdString()) {}
-    QString message() const { return QString::fromUtf8(what()); }
+    using HalvarnError::HalvarnError;
 };
 
 // Writes the whole file under a temporary name and renames it over the target,

@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QList<int> Ids(const Table& table)
 {
@@ -25,7 +27,7 @@ QString RangeOf(const std::vector<GroupRow>& rows, int id)
     for (const GroupRow& row : rows)
         if (row.id == id)
             return row.ageRange;
-    return QStringLiteral("missing");
+    return u"missing"_s;
 }
 } // namespace
 
@@ -74,7 +76,7 @@ void TestGroups::ticksChooseTheBlocks()
         QCOMPARE(Ids(groups), ids);
         QVERIFY(groups.readOnly());
         for (int row = 0; row < groups.recordCount(); ++row) {
-            QCOMPARE(AsString(groups.at(row, 6)), QStringLiteral("001"));
+            QCOMPARE(AsString(groups.at(row, 6)), u"001"_s);
             QVERIFY(IsNull(groups.at(row, 3)) && IsNull(groups.at(row, 4)));
         }
     }
@@ -140,7 +142,7 @@ void TestGroups::everyLimitReachesItsRangeText()
         QCOMPARE(RangeOf(rows, id), QString::fromLatin1(range));
     AgeLimits seven = AgeLimits::defaults();
     seven.set(AgeLimit::CieletaGrp_Ponad_220KG_Wiek_Od, 7);
-    QCOMPARE(RangeOf(CatalogueRows(seven, {}), 29), QStringLiteral("7 > Wiek <= 6"));
+    QCOMPARE(RangeOf(CatalogueRows(seven, {}), 29), u"7 > Wiek <= 6"_s);
 }
 
 QTEST_GUILESS_MAIN(TestGroups)

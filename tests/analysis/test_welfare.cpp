@@ -6,6 +6,8 @@
 
 #include <map>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 WelfareFlags Kinds(const QString& kinds)
 {
@@ -39,7 +41,7 @@ struct Herds {
         for (Table* table : {&tables.mdRZ00(), &tables.mdRZ(slot)}) {
             table->setReadOnly(false);
             table->append();
-            table->setValue(0, QStringLiteral("PL%1").arg(table->recordCount()));
+            table->setValue(0, u"PL%1"_s.arg(table->recordCount()));
             table->post();
             tables.restoreReadOnly(*table);
         }
@@ -53,9 +55,9 @@ struct Herds {
         for (int row = 0; row < groups.recordCount(); ++row) {
             const int id = AsInteger(groups.at(row, 0));
             for (int i = 0; i < AsInteger(groups.at(row, 3)); ++i)
-                counts.append(QStringLiteral("I%1").arg(id));
+                counts.append(u"I%1"_s.arg(id));
             for (int i = 0; i < AsInteger(groups.at(row, 4)); ++i)
-                counts.append(QStringLiteral("P%1").arg(id));
+                counts.append(u"P%1"_s.arg(id));
         }
         return counts.join(u' ');
     }
@@ -63,7 +65,7 @@ struct Herds {
     static QString Mark(const Table& animals, const char* field)
     {
         const FieldValue& value = animals.at(animals.recordCount() - 1, animals.requireField(QLatin1String(field)));
-        return IsNull(value) ? QStringLiteral("null") : AsString(value);
+        return IsNull(value) ? u"null"_s : AsString(value);
     }
 
     WorkingTables tables;
@@ -235,36 +237,36 @@ void TestWelfare::oneAnimal()
 
 void TestWelfare::animalNotWrittenIsNeitherCountedNorMarked()
 {
-    Herds herds(QStringLiteral("ABC"), AgeLimits::defaults());
-    herds.add(1, {QStringLiteral("XX"), QStringLiteral("ML"), QStringLiteral("ML"), 30, false, {}});
+    Herds herds(u"ABC"_s, AgeLimits::defaults());
+    herds.add(1, {u"XX"_s, u"ML"_s, u"ML"_s, 30, false, {}});
     QCOMPARE(Herds::Counts(herds.tables.mdGT00()), QString());
-    QCOMPARE(Herds::Mark(herds.tables.mdRZ00(), "Rozpatrzono"), QStringLiteral("null"));
+    QCOMPARE(Herds::Mark(herds.tables.mdRZ00(), "Rozpatrzono"), u"null"_s);
 }
 
 void TestWelfare::countsAddUpOverHerdsIntoTheSummary()
 {
-    Herds herds(QStringLiteral("ABC"), AgeLimits::defaults());
-    const QString f = QStringLiteral("XX"), ml = QStringLiteral("ML");
+    Herds herds(u"ABC"_s, AgeLimits::defaults());
+    const QString f = u"XX"_s, ml = u"ML"_s;
     herds.add(1, {f, ml, ml, 30, true, {}});
     herds.add(1, {f, ml, ml, 40, true, {}});
     herds.add(2, {f, ml, ml, 50, true, {}});
     herds.add(2, {f, ml, ml, 3, true, {}});
-    QCOMPARE(Herds::Counts(herds.tables.mdGT(1)), QStringLiteral("I17 I17"));
-    QCOMPARE(Herds::Counts(herds.tables.mdGT(2)), QStringLiteral("I17 I26 P27 P30"));
-    QCOMPARE(Herds::Counts(herds.tables.mdGT00()), QStringLiteral("I17 I17 I17 I26 P27 P30"));
+    QCOMPARE(Herds::Counts(herds.tables.mdGT(1)), u"I17 I17"_s);
+    QCOMPARE(Herds::Counts(herds.tables.mdGT(2)), u"I17 I26 P27 P30"_s);
+    QCOMPARE(Herds::Counts(herds.tables.mdGT00()), u"I17 I17 I17 I26 P27 P30"_s);
 }
 
 void TestWelfare::calfAgeIsNeverAskedBecauseOlderCowsAreTakenFirst()
 {
-    Herds herds(QStringLiteral("C"), AgeLimits::defaults());
+    Herds herds(u"C"_s, AgeLimits::defaults());
     int asked = 0;
     const auto calfAge = [&asked] { return ++asked, 2; };
     for (const char* type : {"MI", "KO", "ML", "XX", ""})
         for (const char* direction : {"OP", "MI", "MIOP", "MLOP", "ML", ""})
-            herds.add(1, {QStringLiteral("XX"), QLatin1String(type), QLatin1String(direction), 40, true, calfAge});
+            herds.add(1, {u"XX"_s, QLatin1String(type), QLatin1String(direction), 40, true, calfAge});
     QCOMPARE(asked, 0);
     for (int id : {37, 38, 39, 40})
-        QVERIFY(!Herds::Counts(herds.tables.mdGT00()).contains(QStringLiteral("%1").arg(id)));
+        QVERIFY(!Herds::Counts(herds.tables.mdGT00()).contains(u"%1"_s.arg(id)));
 }
 
 QTEST_GUILESS_MAIN(TestWelfare)

@@ -6,11 +6,13 @@
 #include <QProcess>
 #include <QString>
 
+using namespace Qt::StringLiterals;
+
 // Reads a workbook back through xlrd; an empty object when it cannot be read.
 inline QJsonObject ReadWorkbook(const QString& path)
 {
     QProcess python;
-    python.start(QStringLiteral("/usr/bin/python3"),
+    python.start(u"/usr/bin/python3"_s,
                  {QStringLiteral(HALVARN_TEST_DATA "/../export/dump_xls.py"), path});
     python.waitForFinished(120000);
     return QJsonDocument::fromJson(python.readAllStandardOutput()).object();
@@ -24,9 +26,9 @@ inline QStringList SheetCells(const QJsonObject& workbook, int sheet)
         const QJsonArray c = cell.toArray();
         const QJsonValue value = c.at(3);
         const QString text = value.isDouble() ? QString::number(value.toDouble())
-                             : value.isBool() ? (value.toBool() ? QStringLiteral("true") : QStringLiteral("false"))
+                             : value.isBool() ? (value.toBool() ? u"true"_s : u"false"_s)
                                               : value.toString();
-        cells.append(QStringLiteral("%1,%2:%3:%4").arg(c.at(0).toInt()).arg(c.at(1).toInt()).arg(c.at(2).toString(), text));
+        cells.append(u"%1,%2:%3:%4"_s.arg(c.at(0).toInt()).arg(c.at(1).toInt()).arg(c.at(2).toString(), text));
     }
     return cells;
 }

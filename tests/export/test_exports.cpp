@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 struct Animal {
     const char* number;
@@ -29,11 +31,11 @@ struct Farm {
     {
         DataFolder(folder.path()).prepare();
         session.ClearAllData();
-        session.inputs.producerNumber = QStringLiteral("071234562");
+        session.inputs.producerNumber = u"071234562"_s;
         session.referenceDate = QDate(2026, 11, 1);
         WorkingTables& tables = session.tables();
         for (int slot : {1, 3}) {
-            tables.HerdSlots[static_cast<std::size_t>(slot)].Code = QStringLiteral("00%1").arg(slot);
+            tables.HerdSlots[static_cast<std::size_t>(slot)].Code = u"00%1"_s.arg(slot);
             tables.HerdSlots[static_cast<std::size_t>(slot)].Visible = true;
         }
         for (const Animal& a : animals)
@@ -41,15 +43,15 @@ struct Farm {
                 table->setReadOnly(false);
                 table->append();
                 table->setValue(u"NumerIdentyfikacyjny", QLatin1String(a.number));
-                table->setValue(u"Plec", QStringLiteral("Samica"));
+                table->setValue(u"Plec", u"Samica"_s);
                 table->setValue(u"DataUrodzenia", QDate(2020, 3, 10));
                 table->setValue(u"Wiek", 80);
                 table->setValue(u"GdzieRozpatrzono", QString::fromUtf8(a.where));
                 table->setValue(u"CzyMatka", a.mother);
-                table->setValue(u"STADO", QStringLiteral("00%1").arg(a.slot));
+                table->setValue(u"STADO", u"00%1"_s.arg(a.slot));
                 if (table == &tables.mdRZ00()) {
                     table->setValue(u"ZAZNACZONE", a.mother == 1);
-                    table->setValue(u"Rasa", QStringLiteral("HO"));
+                    table->setValue(u"Rasa", u"HO"_s);
                 }
                 table->post();
                 tables.restoreReadOnly(*table);
@@ -104,20 +106,20 @@ void TestExports::summaryWorkbookFollowsTheGridRows()
     const QString path =
         farm.exported("^Zwierzęta FILTROWANE-071234562 01\\.11\\.2026 \\d\\d_\\d\\d_\\d\\d\\.XLS$");
     QVERIFY2(!path.isEmpty(), qPrintable(QDir(farm.session.dataFolder().exportFolder()).entryList().join(u',')));
-    QCOMPARE(farm.host.messageTexts(), QStringList{QStringLiteral("Zapisano do: ") + QDir::toNativeSeparators(path)});
-    QCOMPARE(farm.host.questions, QStringList{QStringLiteral("Czy otworzyć stworzony plik?")});
+    QCOMPARE(farm.host.messageTexts(), QStringList{u"Zapisano do: "_s + QDir::toNativeSeparators(path)});
+    QCOMPARE(farm.host.questions, QStringList{u"Czy otworzyć stworzony plik?"_s});
     const QJsonObject book = ReadWorkbook(path);
-    QCOMPARE(SheetNames(book), QStringList{QStringLiteral("Ogółem")});
+    QCOMPARE(SheetNames(book), QStringList{u"Ogółem"_s});
     const QStringList cells = SheetCells(book, 0);
     QCOMPARE(cells.mid(0, 11).join(u'|'),
-             QStringLiteral("1,1:text:Zaznaczone|1,2:text:Stado|1,3:text:NumerIdentyfikacyjny|1,4:text:DataUrodzenia|"
-                            "1,5:text:Wiek|1,6:text:TypUzytkowy|1,7:text:KierunekUzytkowania|1,8:text:Rozpatrzono|"
-                            "1,9:text:GdzieRozpatrzono|1,10:text:CzyMatka|1,11:text:Płeć"));
+             u"1,1:text:Zaznaczone|1,2:text:Stado|1,3:text:NumerIdentyfikacyjny|1,4:text:DataUrodzenia|"
+                            u"1,5:text:Wiek|1,6:text:TypUzytkowy|1,7:text:KierunekUzytkowania|1,8:text:Rozpatrzono|"
+                            u"1,9:text:GdzieRozpatrzono|1,10:text:CzyMatka|1,11:text:Płeć"_s);
     QCOMPARE(cells.mid(11, 8).join(u'|'),
-             QStringLiteral("2,1:bool:true|2,2:text:001|2,3:text:PL003|2,4:date:2020-03-10|2,5:number:80|"
-                            "2,9:text:Krowy, 24 > Wiek|2,10:number:1|2,11:text:Samica"));
-    QVERIFY(cells.contains(QStringLiteral("3,3:text:PL001")) && cells.contains(QStringLiteral("4,3:text:PL002")));
-    QCOMPARE(cells.mid(cells.size() - 3).join(u'|'), QStringLiteral("5,1:text:Ilość:|5,4:number:3|5,10:number:2"));
+             u"2,1:bool:true|2,2:text:001|2,3:text:PL003|2,4:date:2020-03-10|2,5:number:80|"
+                            u"2,9:text:Krowy, 24 > Wiek|2,10:number:1|2,11:text:Samica"_s);
+    QVERIFY(cells.contains(u"3,3:text:PL001"_s) && cells.contains(u"4,3:text:PL002"_s));
+    QCOMPARE(cells.mid(cells.size() - 3).join(u'|'), u"5,1:text:Ilość:|5,4:number:3|5,10:number:2"_s);
 }
 
 void TestExports::herdAnimalsSumTheMothersAsTheyAlwaysHave_data()
@@ -140,16 +142,16 @@ void TestExports::herdAnimalsSumTheMothersAsTheyAlwaysHave()
         animals.push_back({numbers[i], 1, mothers[i], "x"});
     Farm farm(animals);
     QString path;
-    QVERIFY(ExportCommands(farm.session).writeHerdAnimals(QStringLiteral("001"), path));
+    QVERIFY(ExportCommands(farm.session).writeHerdAnimals(u"001"_s, path));
     const QJsonObject book = ReadWorkbook(path);
-    QCOMPARE(SheetNames(book), QStringList{QStringLiteral("001")});
+    QCOMPARE(SheetNames(book), QStringList{u"001"_s});
     const QStringList cells = SheetCells(book, 0);
     const int closing = static_cast<int>(mothers.size()) + 2;
-    QCOMPARE(cells.mid(cells.size() - 3).join(u'|'), QStringLiteral("%1,1:text:Ilość:|%1,2:number:%2|%1,8:number:%3")
+    QCOMPARE(cells.mid(cells.size() - 3).join(u'|'), u"%1,1:text:Ilość:|%1,2:number:%2|%1,8:number:%3"_s
                                                          .arg(closing).arg(mothers.size()).arg(sum));
     if (!mothers.isEmpty()) {
-        QVERIFY(cells.contains(QStringLiteral("2,2:text:10.03.2020"))); // the date as its display text
-        QVERIFY(cells.contains(QStringLiteral("1,9:text:Płeć")));
+        QVERIFY(cells.contains(u"2,2:text:10.03.2020"_s)); // the date as its display text
+        QVERIFY(cells.contains(u"1,9:text:Płeć"_s));
     }
 }
 
@@ -157,12 +159,12 @@ void TestExports::herdChoiceDecidesTheSheets_data()
 {
     QTest::addColumn<QString>("choice");
     QTest::addColumn<QStringList>("sheets");
-    QTest::newRow("all, with a gap between herds") << QStringLiteral("ALL")
-                                                   << QStringList{QStringLiteral("Ogółem"), QStringLiteral("001"),
-                                                                  QStringLiteral("003")};
-    QTest::newRow("summary only") << QStringLiteral("000") << QStringList{QStringLiteral("Ogółem")};
-    QTest::newRow("one herd") << QStringLiteral("003") << QStringList{QStringLiteral("003")};
-    QTest::newRow("no such herd") << QStringLiteral("007") << QStringList{QStringLiteral("Arkusz1")};
+    QTest::newRow("all, with a gap between herds") << u"ALL"_s
+                                                   << QStringList{u"Ogółem"_s, u"001"_s,
+                                                                  u"003"_s};
+    QTest::newRow("summary only") << u"000"_s << QStringList{u"Ogółem"_s};
+    QTest::newRow("one herd") << u"003"_s << QStringList{u"003"_s};
+    QTest::newRow("no such herd") << u"007"_s << QStringList{u"Arkusz1"_s};
 }
 
 void TestExports::herdChoiceDecidesTheSheets()
@@ -179,7 +181,7 @@ void TestExports::herdChoiceDecidesTheSheets()
 void TestExports::groupsWorkbookHasNoTimeAndSumsIlosc()
 {
     Farm farm(ThreeCows);
-    farm.host.herdChoice = QStringLiteral("000");
+    farm.host.herdChoice = u"000"_s;
     ExportCommands exports(farm.session);
     exports.exportHerdGroups();
     exports.exportHerdGroups(); // the same name: the second replaces the first
@@ -187,10 +189,10 @@ void TestExports::groupsWorkbookHasNoTimeAndSumsIlosc()
     QVERIFY(!path.isEmpty());
     QCOMPARE(QDir(farm.session.dataFolder().exportFolder()).entryList(QDir::Files).size(), 1);
     const QStringList cells = SheetCells(ReadWorkbook(path), 0);
-    QCOMPARE(cells.mid(0, 4).join(u'|'), QStringLiteral("1,1:text:Grupa technologiczna|1,2:text:ZakresWieku|"
-                                                         "1,3:text:Ilosc|1,4:text:Inf. dod."));
-    QCOMPARE(cells.mid(4, 3).join(u'|'), QStringLiteral("2,1:text:Halvarn krów mamek|2,2:text:-|2,3:number:5"));
-    QCOMPARE(cells.mid(cells.size() - 2).join(u'|'), QStringLiteral("42,2:text:Suma:|42,3:number:5"));
+    QCOMPARE(cells.mid(0, 4).join(u'|'), u"1,1:text:Grupa technologiczna|1,2:text:ZakresWieku|"
+                                                         u"1,3:text:Ilosc|1,4:text:Inf. dod."_s);
+    QCOMPARE(cells.mid(4, 3).join(u'|'), u"2,1:text:Halvarn krów mamek|2,2:text:-|2,3:number:5"_s);
+    QCOMPARE(cells.mid(cells.size() - 2).join(u'|'), u"42,2:text:Suma:|42,3:number:5"_s);
     farm.host.herdChoice = QString(); // cancelled: nothing written, nothing said
     const auto said = farm.host.messages.size();
     exports.exportHerdAnimals();
@@ -200,14 +202,14 @@ void TestExports::groupsWorkbookHasNoTimeAndSumsIlosc()
 void TestExports::csvFileMatchesByteForByte()
 {
     Farm farm({{"PL001", 1, 1, "Krowy; \"mleczne\""}, {"PL002", 3, 0, "Byki"}});
-    const QString folder = farm.folder.filePath(QStringLiteral("csv"));
+    const QString folder = farm.folder.filePath(u"csv"_s);
     QDir().mkpath(folder);
-    IniFile(farm.session.dataFolder().settingsFile()).writeString(QStringLiteral("PATHS"), QStringLiteral("CSV"), folder);
+    IniFile(farm.session.dataFolder().settingsFile()).writeString(u"PATHS"_s, u"CSV"_s, folder);
     farm.host.summaryRows = {1, 0};
     ExportCommands(farm.session).exportSummaryCsv();
     const QStringList written = QDir(folder).entryList(QDir::Files);
     QCOMPARE(written.size(), 1);
-    QVERIFY(QRegularExpression(QStringLiteral("^Zwierzęta-071234562 01\\.11\\.2026 \\d\\d_\\d\\d_\\d\\d\\.CSV$"))
+    QVERIFY(QRegularExpression(u"^Zwierzęta-071234562 01\\.11\\.2026 \\d\\d_\\d\\d_\\d\\d\\.CSV$"_s)
                 .match(written[0])
                 .hasMatch());
     QFile file(QDir(folder).filePath(written[0]));
@@ -221,15 +223,15 @@ void TestExports::csvFileMatchesByteForByte()
 void TestExports::failuresAreShownAndLeaveNoFile()
 {
     Farm farm(ThreeCows);
-    farm.session.inputs.producerNumber = QStringLiteral("07/12");
+    farm.session.inputs.producerNumber = u"07/12"_s;
     farm.host.summaryRows = {0};
     ExportCommands exports(farm.session);
     exports.exportSummaryXls();
     exports.exportSummaryCsv();
     QCOMPARE(farm.host.messages.size(), 2u);
     for (const auto& message : farm.host.messages) {
-        QCOMPARE(message.caption, QStringLiteral("Błąd..."));
-        QVERIFY2(message.text.startsWith(QStringLiteral("Nie można zapisać pliku")), qPrintable(message.text));
+        QCOMPARE(message.caption, u"Błąd..."_s);
+        QVERIFY2(message.text.startsWith(u"Nie można zapisać pliku"_s), qPrintable(message.text));
     }
     QVERIFY(farm.host.questions.isEmpty());
     QVERIFY(QDir(farm.session.dataFolder().exportFolder()).entryList(QDir::Files).isEmpty());
@@ -257,13 +259,13 @@ void TestExports::sheetsTooLongForTheFormatAreRefusedBeforeWriting()
     table.setReadOnly(false);
     for (int i = 0; i < records; ++i) {
         table.append();
-        table.setValue(0, QStringLiteral("PL%1").arg(i));
+        table.setValue(0, u"PL%1"_s.arg(i));
         table.setValue(u"CzyMatka", 1);
         table.post();
         if (summary)
             farm.host.summaryRows.push_back(i);
     }
-    farm.host.herdChoice = QStringLiteral("001");
+    farm.host.herdChoice = u"001"_s;
     farm.host.answerYes = false;
     ExportCommands exports(farm.session);
     if (summary)
@@ -274,13 +276,13 @@ void TestExports::sheetsTooLongForTheFormatAreRefusedBeforeWriting()
     QCOMPARE(farm.host.messages.size(), 1u);
     const auto& message = farm.host.messages[0];
     if (refused) {
-        QCOMPARE(message.caption, QStringLiteral("Błąd..."));
-        QVERIFY2(message.text.contains(QStringLiteral("65536")) && message.text.contains(QStringLiteral("65535")),
+        QCOMPARE(message.caption, u"Błąd..."_s);
+        QVERIFY2(message.text.contains(u"65536"_s) && message.text.contains(u"65535"_s),
                  qPrintable(message.text));
         QVERIFY(files.isEmpty());
         QVERIFY(farm.host.questions.isEmpty());
     } else {
-        QCOMPARE(message.caption, QStringLiteral("Informacja"));
+        QCOMPARE(message.caption, u"Informacja"_s);
         QCOMPARE(files.size(), 1);
     }
 }

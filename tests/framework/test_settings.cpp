@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 
 class TestSettings : public QObject {
     Q_OBJECT
@@ -37,10 +39,10 @@ private Q_SLOTS:
 void TestSettings::polishTextSurvivesInWindows1250WithCrLf()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("HALVARN.INI"));
-    const QString folder = QStringLiteral("C:\\Eksport\\Zażółć gęślą jaźń");
-    IniFile(path).writeString(QStringLiteral("PATHS"), QStringLiteral("CSV"), folder);
-    QCOMPARE(IniFile(path).readString(QStringLiteral("paths"), QStringLiteral("csv"), {}), folder);
+    const QString path = dir.filePath(u"HALVARN.INI"_s);
+    const QString folder = u"C:\\Eksport\\Zażółć gęślą jaźń"_s;
+    IniFile(path).writeString(u"PATHS"_s, u"CSV"_s, folder);
+    QCOMPARE(IniFile(path).readString(u"paths"_s, u"csv"_s, {}), folder);
     const QByteArray bytes = ReadAll(path);
     QCOMPARE(bytes, QByteArray("[PATHS]\r\nCSV=C:\\Eksport\\Za\xBF\xF3\xB3\xE6 g\xEA\x9Cl\xB9 ja\x9F\xF1\r\n"));
 }
@@ -48,20 +50,20 @@ void TestSettings::polishTextSurvivesInWindows1250WithCrLf()
 void TestSettings::missingFilesAndKeysGiveDefaults()
 {
     QTemporaryDir dir;
-    const IniFile missing(dir.filePath(QStringLiteral("none.ini")));
-    QCOMPARE(missing.readInteger(QStringLiteral("WIEK"), QStringLiteral("X"), 7), 7);
-    QCOMPARE(missing.readString(QStringLiteral("PATHS"), QStringLiteral("CSV"), QStringLiteral("d")), QStringLiteral("d"));
+    const IniFile missing(dir.filePath(u"none.ini"_s));
+    QCOMPARE(missing.readInteger(u"WIEK"_s, u"X"_s, 7), 7);
+    QCOMPARE(missing.readString(u"PATHS"_s, u"CSV"_s, u"d"_s), u"d"_s);
     QVERIFY(!QFile::exists(missing.path()));
 }
 
 void TestSettings::malformedLinesAreSkippedAndKept()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.ini"));
+    const QString path = dir.filePath(u"a.ini"_s);
     WriteAll(path, "garbage line\r\n[WIEK]\r\n=5\r\nCieletaGrp_Do_150KG_Wiek_Do = 4\r\nbroken\r\n; note\r\n");
     IniFile ini(path);
-    QCOMPARE(ini.readInteger(QStringLiteral("WIEK"), QStringLiteral("CieletaGrp_Do_150KG_Wiek_Do"), 3), 4);
-    ini.writeInteger(QStringLiteral("WIEK"), QStringLiteral("Nowy"), 1);
+    QCOMPARE(ini.readInteger(u"WIEK"_s, u"CieletaGrp_Do_150KG_Wiek_Do"_s, 3), 4);
+    ini.writeInteger(u"WIEK"_s, u"Nowy"_s, 1);
     QCOMPARE(ReadAll(path), QByteArray("garbage line\r\n[WIEK]\r\n=5\r\nCieletaGrp_Do_150KG_Wiek_Do = 4\r\nbroken\r\n"
                                        "; note\r\nNowy=1\r\n"));
 }
@@ -84,39 +86,39 @@ void TestSettings::readsBooleansAndIntegers()
     QFETCH(bool, flag);
     QFETCH(int, number);
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.ini"));
+    const QString path = dir.filePath(u"a.ini"_s);
     WriteAll(path, "[S]\r\nK=" + value + "\r\n");
     const IniFile ini(path);
-    QCOMPARE(ini.readBool(QStringLiteral("S"), QStringLiteral("K"), false), flag);
-    QCOMPARE(ini.readInteger(QStringLiteral("S"), QStringLiteral("K"), -1), number);
+    QCOMPARE(ini.readBool(u"S"_s, u"K"_s, false), flag);
+    QCOMPARE(ini.readInteger(u"S"_s, u"K"_s, -1), number);
 }
 
 void TestSettings::erasingASectionKeepsTheOthers()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.ini"));
+    const QString path = dir.filePath(u"a.ini"_s);
     IniFile ini(path);
-    ini.writeInteger(QStringLiteral("WIEK"), QStringLiteral("A"), 1);
-    ini.writeString(QStringLiteral("PATHS"), QStringLiteral("CSV"), QStringLiteral("x"));
-    ini.eraseSection(QStringLiteral("wiek"));
+    ini.writeInteger(u"WIEK"_s, u"A"_s, 1);
+    ini.writeString(u"PATHS"_s, u"CSV"_s, u"x"_s);
+    ini.eraseSection(u"wiek"_s);
     const IniFile again(path);
-    QVERIFY(!again.sectionExists(QStringLiteral("WIEK")));
-    QCOMPARE(again.readString(QStringLiteral("PATHS"), QStringLiteral("CSV"), {}), QStringLiteral("x"));
+    QVERIFY(!again.sectionExists(u"WIEK"_s));
+    QCOMPARE(again.readString(u"PATHS"_s, u"CSV"_s, {}), u"x"_s);
 }
 
 void TestSettings::aFailedWriteLeavesNoFile()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("missing/a.ini"));
+    const QString path = dir.filePath(u"missing/a.ini"_s);
     IniFile ini(path);
-    QVERIFY_THROWS_EXCEPTION(FileWriteError, ini.writeInteger(QStringLiteral("S"), QStringLiteral("K"), 1));
+    QVERIFY_THROWS_EXCEPTION(FileWriteError, ini.writeInteger(u"S"_s, u"K"_s, 1));
     QVERIFY(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
 }
 
 void TestSettings::ageLimitsReadTheirKeys()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString path = dir.filePath(u"HALVARN.INI"_s);
     const AgeLimits defaults = AgeLimits::read(IniFile(path));
     QList<int> values;
     for (const AgeLimitKey& key : AgeLimitKeys())
@@ -140,12 +142,12 @@ void TestSettings::invalidAgeLimitsFallBackToTheirDefaults_data()
     const QByteArray lower = "CieletaGrp_Od_150KG_Do_220KG_Wiek_Od=";
     const QByteArray upper = "CieletaGrp_Od_150KG_Do_220KG_Wiek_Do=";
     QTest::newRow("valid, at the bounds") << lower + "0\r\n" + upper + "600" << 0 << 600 << QString();
-    QTest::newRow("not a number") << lower + "abc" << 3 << 5 << QStringLiteral("CieletaGrp_Od_150KG_Do_220KG_Wiek_Od=abc");
-    QTest::newRow("a fraction") << lower + "2.5" << 3 << 5 << QStringLiteral("=2.5");
-    QTest::newRow("negative") << upper + "-1" << 3 << 5 << QStringLiteral("CieletaGrp_Od_150KG_Do_220KG_Wiek_Do=-1");
-    QTest::newRow("over 600") << upper + "601" << 3 << 5 << QStringLiteral("=601");
+    QTest::newRow("not a number") << lower + "abc" << 3 << 5 << u"CieletaGrp_Od_150KG_Do_220KG_Wiek_Od=abc"_s;
+    QTest::newRow("a fraction") << lower + "2.5" << 3 << 5 << u"=2.5"_s;
+    QTest::newRow("negative") << upper + "-1" << 3 << 5 << u"CieletaGrp_Od_150KG_Do_220KG_Wiek_Do=-1"_s;
+    QTest::newRow("over 600") << upper + "601" << 3 << 5 << u"=601"_s;
     QTest::newRow("lower above upper") << lower + "8\r\n" + upper + "6" << 3 << 5
-                                       << QStringLiteral("CieletaGrp_Od_150KG_Do_220KG_Wiek_Od=8 jest większe");
+                                       << u"CieletaGrp_Od_150KG_Do_220KG_Wiek_Od=8 jest większe"_s;
     QTest::newRow("equal bounds") << lower + "6\r\n" + upper + "6" << 6 << 6 << QString();
 }
 
@@ -156,7 +158,7 @@ void TestSettings::invalidAgeLimitsFallBackToTheirDefaults()
     QFETCH(int, upper);
     QFETCH(QString, problem);
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString path = dir.filePath(u"HALVARN.INI"_s);
     WriteAll(path, "[WIEK]\r\nHalvOpasowGrp_Ponad_450KG_Wiek_Od=12\r\n" + lines + "\r\n");
     QStringList problems;
     const AgeLimits limits = AgeLimits::read(IniFile(path), &problems);
@@ -172,17 +174,17 @@ void TestSettings::invalidAgeLimitsFallBackToTheirDefaults()
 void TestSettings::aUtf8ByteOrderMarkIsTolerated()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString path = dir.filePath(u"HALVARN.INI"_s);
     WriteAll(path, "\xEF\xBB\xBF[PATHS]\r\nCSV=C:\\Dane\\Zwierzęta\r\n[WIEK]\r\nCieletaGrp_Do_150KG_Wiek_Do=4\r\n");
     const IniFile ini(path);
-    QCOMPARE(ini.readString(QStringLiteral("PATHS"), QStringLiteral("CSV"), {}), QStringLiteral("C:\\Dane\\Zwierzęta"));
+    QCOMPARE(ini.readString(u"PATHS"_s, u"CSV"_s, {}), u"C:\\Dane\\Zwierzęta"_s);
     QCOMPARE(AgeLimits::read(ini)[AgeLimit::CieletaGrp_Do_150KG_Wiek_Do], 4);
 }
 
 void TestSettings::startUpSwitches()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("COMMON.INI"));
+    const QString path = dir.filePath(u"COMMON.INI"_s);
     CommonSettings none = CommonSettings::read(path);
     QVERIFY(!none.torvLogin && !none.tester);
     WriteAll(path, "[PARAM]\r\nTORV_Login=1\r\n");
@@ -193,16 +195,16 @@ void TestSettings::startUpSwitches()
 void TestSettings::dataFolderPrecedenceAndSubfolders()
 {
     QTemporaryDir dir;
-    qputenv("HALVARN_DATA_DIR", dir.filePath(QStringLiteral("env")).toUtf8());
-    QCOMPARE(DataFolder::resolve(dir.filePath(QStringLiteral("arg"))), dir.filePath(QStringLiteral("arg")));
-    QCOMPARE(DataFolder::resolve({}), dir.filePath(QStringLiteral("env")));
+    qputenv("HALVARN_DATA_DIR", dir.filePath(u"env"_s).toUtf8());
+    QCOMPARE(DataFolder::resolve(dir.filePath(u"arg"_s)), dir.filePath(u"arg"_s));
+    QCOMPARE(DataFolder::resolve({}), dir.filePath(u"env"_s));
     qunsetenv("HALVARN_DATA_DIR");
     QCOMPARE(DataFolder::resolve({}), QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
-    const DataFolder folder(dir.filePath(QStringLiteral("dane")));
+    const DataFolder folder(dir.filePath(u"dane"_s));
     QVERIFY(folder.prepare());
     for (const char* sub : {"EXPORT", "SZABLONY", "PDF"})
         QVERIFY(QDir(folder.root()).exists(QLatin1String(sub)));
-    QCOMPARE(folder.settingsFile(), dir.filePath(QStringLiteral("dane/HALVARN.INI")));
+    QCOMPARE(folder.settingsFile(), dir.filePath(u"dane/HALVARN.INI"_s));
 }
 
 void TestSettings::ageInMonths_data()

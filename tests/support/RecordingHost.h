@@ -8,6 +8,8 @@
 #include <map>
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 // A host that remembers what a long operation told it and answers as set up.
 class RecordingHost : public OperationHost {
 public:
@@ -26,7 +28,7 @@ public:
     bool answerYes = true;
     std::function<bool()> cancelWhen; // asked at every check of cancelRequested()
     bool busy = false;
-    QString herdChoice = QStringLiteral("ALL");
+    QString herdChoice = u"ALL"_s;
     std::vector<int> summaryRows;
 
     QStringList messageTexts() const
@@ -42,12 +44,12 @@ public:
     {
         if (panel == StatusPanel::Step)
             stepTexts.append(text);
-        statusLog.append((panel == StatusPanel::Step ? QStringLiteral("S:") : QStringLiteral("H:")) + text);
+        statusLog.append((panel == StatusPanel::Step ? u"S:"_s : u"H:"_s) + text);
     }
     void progressChanged(int bar, int position, int maximum) override
     {
         progress[bar] = {position, maximum};
-        progressLog.append(QStringLiteral("%1:%2/%3").arg(bar).arg(position).arg(maximum));
+        progressLog.append(u"%1:%2/%3"_s.arg(bar).arg(position).arg(maximum));
     }
     void memoAppended(Memo, const QString&) override {}
     void memoCleared(Memo) override {}

@@ -4,6 +4,8 @@
 #include "analysis/GroupCatalogue.h"
 #include "framework/IniFile.h"
 
+using namespace Qt::StringLiterals;
+
 HalvarnSession::HalvarnSession(DataFolder folder, OperationHost& host)
     : folder_(std::move(folder)), host_(host)
 {
@@ -13,9 +15,9 @@ HalvarnSession::HalvarnSession(DataFolder folder, OperationHost& host)
 void HalvarnSession::GatherCredentials()
 {
     if (common.torvLogin && inputs.login.isEmpty()) {
-        Login = QStringLiteral("uzytkownik.testowy.1");
-        Password = QStringLiteral("Zielonka7Kb2!");
-        ProducerNumber = QStringLiteral("071234562");
+        Login = u"uzytkownik.testowy.1"_s;
+        Password = u"Zielonka7Kb2!"_s;
+        ProducerNumber = u"071234562"_s;
         return;
     }
     Login = inputs.login;
@@ -96,29 +98,29 @@ void HalvarnSession::ClearAllData()
     ReadHalvarnFlags();
     SetStatusMode(true, true);
     setProgress(1, 0, 65);
-    SetStatusText(StatusPanel::Step, QStringLiteral("Czyszczenie danych"));
+    SetStatusText(StatusPanel::Step, u"Czyszczenie danych"_s);
     errors_.clear();
     loaded_.clear();
     host_.memoCleared(Memo::Loaded);
     host_.memoCleared(Memo::Errors);
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
         THerdSlot& herd = tables_.HerdSlots[static_cast<std::size_t>(slot)];
-        SetStatusText(StatusPanel::Herd, QStringLiteral("Stado: ") + herd.Code);
+        SetStatusText(StatusPanel::Herd, u"Stado: "_s + herd.Code);
         stepProgress(1);
         herd.Index = slot == 0 ? -1 : 0;
-        herd.Code = slot == 0 ? QStringLiteral("000") : QString();
+        herd.Code = slot == 0 ? u"000"_s : QString();
         herd.Visible = false;
         herd.Incomplete.clear();
         herd.AnimalsTable->open();
         herd.GroupsTable->open();
-        SetStatusText(StatusPanel::Step, QStringLiteral("Czyszczenie danych RZ"));
+        SetStatusText(StatusPanel::Step, u"Czyszczenie danych RZ"_s);
         stepProgress(1);
         tables_.ClearTable(*herd.AnimalsTable);
-        SetStatusText(StatusPanel::Step, QStringLiteral("Czyszczenie danych GT"));
+        SetStatusText(StatusPanel::Step, u"Czyszczenie danych GT"_s);
         stepProgress(1);
         tables_.ClearTable(*herd.GroupsTable);
     }
-    SetStatusText(StatusPanel::Step, QStringLiteral("Tworzenie grup technologicznych"));
+    SetStatusText(StatusPanel::Step, u"Tworzenie grup technologicznych"_s);
     stepProgress(1);
     rebuildGroups();
     herdCount = 0;
@@ -132,5 +134,5 @@ void HalvarnSession::rebuildGroups()
     QStringList problems;
     RebuildGroupCatalogue(tables_, AgeLimits::read(settings, &problems), halvarnFlags);
     if (!problems.isEmpty())
-        host_.showMessage(QStringLiteral("Informacja"), problems.join(u'\n'), MessageIcon::Warning);
+        host_.showMessage(u"Informacja"_s, problems.join(u'\n'), MessageIcon::Warning);
 }

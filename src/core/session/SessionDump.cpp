@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QJsonValue ToJson(const FieldValue& value)
 {
@@ -38,22 +40,22 @@ QByteArray DumpSessionJson(HalvarnSession& session, const std::vector<ShownMessa
     QJsonArray slots;
     for (int i = 0; i < HerdSlotCount; ++i) {
         const THerdSlot& slot = session.tables().HerdSlots[static_cast<std::size_t>(i)];
-        slots.append(QJsonObject{{QStringLiteral("slot"), i},
-                                 {QStringLiteral("code"), slot.Code},
-                                 {QStringLiteral("index"), slot.Index},
-                                 {QStringLiteral("visible"), slot.Visible}});
+        slots.append(QJsonObject{{u"slot"_s, i},
+                                 {u"code"_s, slot.Code},
+                                 {u"index"_s, slot.Index},
+                                 {u"visible"_s, slot.Visible}});
     }
     QJsonObject tables;
     for (const Table* table : session.tables().all())
         tables.insert(table->name(), TableRows(*table));
     QJsonArray shown;
     for (const ShownMessage& message : messages)
-        shown.append(QJsonObject{{QStringLiteral("caption"), message.caption}, {QStringLiteral("text"), message.text}});
-    const QJsonObject root{{QStringLiteral("herdCount"), session.herdCount},
-                           {QStringLiteral("slots"), slots},
-                           {QStringLiteral("tables"), tables},
-                           {QStringLiteral("errors"), QJsonArray::fromStringList(session.errors())},
-                           {QStringLiteral("loaded"), session.loaded()},
-                           {QStringLiteral("messages"), shown}};
+        shown.append(QJsonObject{{u"caption"_s, message.caption}, {u"text"_s, message.text}});
+    const QJsonObject root{{u"herdCount"_s, session.herdCount},
+                           {u"slots"_s, slots},
+                           {u"tables"_s, tables},
+                           {u"errors"_s, QJsonArray::fromStringList(session.errors())},
+                           {u"loaded"_s, session.loaded()},
+                           {u"messages"_s, shown}};
     return QJsonDocument(root).toJson(QJsonDocument::Indented);
 }

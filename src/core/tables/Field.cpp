@@ -1,5 +1,7 @@
 #include "core/tables/Field.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 template <class... F> struct Overloaded : F... {
     using F::operator()...;
@@ -44,6 +46,6 @@ QString DisplayText(const FieldValue& v)
                                  [](const QString& s) { return s; },
                                  [](qint32 i) { return QString::number(i); },
                                  [](const QDate& d) { return d.toString(u"dd.MM.yyyy"); },
-                                 [](bool b) { return b ? QStringLiteral("True") : QStringLiteral("False"); }},
+                                 [](bool b) { return b ? u"True"_s : u"False"_s; }},
                       v);
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 const FieldValue NullValue;
 
@@ -40,8 +42,6 @@ bool LessThan(const FieldValue& a, const FieldValue& b)
 }
 } // namespace
 
-TableError::TableError(const QString& message) : std::runtime_error(message.toStdString()) {}
-
 Table::Table(QString name, std::vector<FieldDef> fields, QString sortField)
     : name_(std::move(name)), fields_(std::move(fields))
 {
@@ -61,7 +61,7 @@ int Table::requireField(QAnyStringView fieldName) const
 {
     const int index = fieldIndex(fieldName);
     if (index < 0)
-        throw TableError(QStringLiteral("Tabela %1 nie ma pola \"%2\"").arg(name_, fieldName.toString()));
+        throw TableError(u"Tabela %1 nie ma pola \"%2\""_s.arg(name_, fieldName.toString()));
     return index;
 }
 
@@ -73,20 +73,20 @@ void Table::open()
 void Table::requireOpen() const
 {
     if (!open_)
-        throw TableError(QStringLiteral("Tabela %1 nie jest otwarta").arg(name_));
+        throw TableError(u"Tabela %1 nie jest otwarta"_s.arg(name_));
 }
 
 void Table::requireWritable() const
 {
     requireOpen();
     if (readOnly_)
-        throw TableError(QStringLiteral("Nie można zmieniać tabeli %1: jest tylko do odczytu").arg(name_));
+        throw TableError(u"Nie można zmieniać tabeli %1: jest tylko do odczytu"_s.arg(name_));
 }
 
 void Table::requireBrowse() const
 {
     if (state_ != State::Browse)
-        throw TableError(QStringLiteral("Tabela %1 jest w trakcie edycji").arg(name_));
+        throw TableError(u"Tabela %1 jest w trakcie edycji"_s.arg(name_));
 }
 
 void Table::first()
@@ -116,7 +116,7 @@ void Table::moveTo(int row)
 {
     requireBrowse();
     if (row < 0 || row >= rowCount_)
-        throw TableError(QStringLiteral("Tabela %1 nie ma wiersza %2").arg(name_).arg(row + 1));
+        throw TableError(u"Tabela %1 nie ma wiersza %2"_s.arg(name_).arg(row + 1));
     current_ = row;
     eof_ = false;
 }
@@ -146,7 +146,7 @@ void Table::edit()
     requireWritable();
     requireBrowse();
     if (current_ < 0)
-        throw TableError(QStringLiteral("Tabela %1 jest pusta").arg(name_));
+        throw TableError(u"Tabela %1 jest pusta"_s.arg(name_));
     changes_.clear();
     state_ = State::Edit;
 }
@@ -155,9 +155,9 @@ void Table::setValue(int field, FieldValue value)
 {
     requireWritable();
     if (state_ == State::Browse)
-        throw TableError(QStringLiteral("Tabela %1 nie jest w trybie edycji").arg(name_));
+        throw TableError(u"Tabela %1 nie jest w trybie edycji"_s.arg(name_));
     if (field < 0 || field >= fieldCount())
-        throw TableError(QStringLiteral("Tabela %1 nie ma pola nr %2").arg(name_).arg(field));
+        throw TableError(u"Tabela %1 nie ma pola nr %2"_s.arg(name_).arg(field));
     FieldValue stored = fitted(field, std::move(value));
     if (state_ == State::Insert) {
         buffer_[static_cast<std::size_t>(field)] = std::move(stored);
@@ -178,7 +178,7 @@ FieldValue Table::fitted(int field, FieldValue value) const
     if (IsNull(value))
         return value;
     if (!FitsType(def.type, value))
-        throw TableError(QStringLiteral("Pole \"%1\" tabeli %2 nie przyjmuje tej wartości")
+        throw TableError(u"Pole \"%1\" tabeli %2 nie przyjmuje tej wartości"_s
                              .arg(def.name, name_));
     if (def.type == FieldType::String) {
         auto& text = std::get<QString>(value);
@@ -219,7 +219,7 @@ void Table::storeInsertedRow()
 void Table::storeEditedRow()
 {
     for (auto& [field, value] : changes_)
-        rows_[static_cast<std::size_t>(current_)][field] = std::move(value);
+        rows_[static_cast<std::size_t>(current_)][static_cast<std::size_t>(field)] = std::move(value);
     changes_.clear();
     state_ = State::Browse;
     const int from = current_;
@@ -273,7 +273,7 @@ void Table::remove()
     requireWritable();
     requireBrowse();
     if (current_ < 0)
-        throw TableError(QStringLiteral("Tabela %1 jest pusta").arg(name_));
+        throw TableError(u"Tabela %1 jest pusta"_s.arg(name_));
     rows_.erase(rows_.begin() + current_);
     const int removed = current_;
     --rowCount_;
@@ -297,7 +297,7 @@ void Table::removeAll()
 const FieldValue& Table::value(int field) const
 {
     if (field < 0 || field >= fieldCount())
-        throw TableError(QStringLiteral("Tabela %1 nie ma pola nr %2").arg(name_).arg(field));
+        throw TableError(u"Tabela %1 nie ma pola nr %2"_s.arg(name_).arg(field));
     if (state_ == State::Insert)
         return buffer_[static_cast<std::size_t>(field)];
     if (state_ == State::Edit)

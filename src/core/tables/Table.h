@@ -1,18 +1,17 @@
 #pragma once
 
+#include "framework/HalvarnError.h"
 #include "core/tables/Field.h"
 
 #include <QAnyStringView>
 
 #include <functional>
 #include <memory>
-#include <stdexcept>
 #include <vector>
 
-class TableError : public std::runtime_error {
+class TableError : public HalvarnError {
 public:
-    explicit TableError(const QString& message);
-    QString message() const { return QString::fromUtf8(what()); }
+    using HalvarnError::HalvarnError;
 };
 
 // Told about changes so that a view can follow the table; silent while the
@@ -70,7 +69,7 @@ public:
     void setValue(int field, FieldValue value);
     void setValue(QAnyStringView fieldName, FieldValue value) { setValue(requireField(fieldName), std::move(value)); }
 
-    const FieldValue& at(int row, int field) const { return rows_[static_cast<std::size_t>(row)][field]; }
+    const FieldValue& at(int row, int field) const { return rows_[static_cast<std::size_t>(row)][static_cast<std::size_t>(field)]; }
 
     void setAfterPost(std::function<void(Table&)> handler) { afterPost_ = std::move(handler); }
     void addObserver(TableObserver* observer);

@@ -2,33 +2,35 @@
 
 #include "core/tables/TableLayouts.h"
 
+using namespace Qt::StringLiterals;
+
 QString SlotSuffix(int slot)
 {
-    return QStringLiteral("%1").arg(slot, 2, 10, QLatin1Char('0'));
+    return u"%1"_s.arg(slot, 2, 10, QLatin1Char('0'));
 }
 
 WorkingTables::WorkingTables()
 {
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
         const auto i = static_cast<std::size_t>(slot);
-        animals_[i] = std::make_unique<Table>(QStringLiteral("mdRZ") + SlotSuffix(slot),
+        animals_[i] = std::make_unique<Table>(u"mdRZ"_s + SlotSuffix(slot),
                                               AnimalFields(slot == 0 ? AnimalLayout::Summary
                                                                      : AnimalLayout::Herd));
-        groups_[i] = std::make_unique<Table>(QStringLiteral("mdGT") + SlotSuffix(slot), GroupFields(),
-                                             QStringLiteral("ID"));
+        groups_[i] = std::make_unique<Table>(u"mdGT"_s + SlotSuffix(slot), GroupFields(),
+                                             u"ID"_s);
         animals_[i]->setReadOnly(slot != 0);
         groups_[i]->setReadOnly(true);
         HerdSlots[i].AnimalsTable = animals_[i].get();
         HerdSlots[i].GroupsTable = groups_[i].get();
         HerdSlots[i].Index = slot == 0 ? -1 : 0;
-        HerdSlots[i].Code = slot == 0 ? QStringLiteral("000") : QString();
+        HerdSlots[i].Code = slot == 0 ? u"000"_s : QString();
     }
-    producer_ = std::make_unique<Table>(QStringLiteral("mdProducent"), ProducerFields(), QStringLiteral("ID"));
+    producer_ = std::make_unique<Table>(u"mdProducent"_s, ProducerFields(), u"ID"_s);
     producer_->setReadOnly(true);
-    empty_ = std::make_unique<Table>(QStringLiteral("mdEmpty"), AnimalFields(AnimalLayout::Herd));
+    empty_ = std::make_unique<Table>(u"mdEmpty"_s, AnimalFields(AnimalLayout::Herd));
     empty_->setReadOnly(true);
-    useChange_ = std::make_unique<Table>(QStringLiteral("mdTUKU"), UseChangeFields());
-    report_ = std::make_unique<Table>(QStringLiteral("mdRaport1"), AnimalFields(AnimalLayout::Report));
+    useChange_ = std::make_unique<Table>(u"mdTUKU"_s, UseChangeFields());
+    report_ = std::make_unique<Table>(u"mdRaport1"_s, AnimalFields(AnimalLayout::Report));
     for (Table* table : {producer_.get(), empty_.get(), useChange_.get(), report_.get()})
         table->open();
     // Every animal layout starts with the same ten fields.

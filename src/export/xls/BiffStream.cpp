@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int MaxRecordData = 8224;
 constexpr quint16 GeneralXf = 15;
@@ -57,7 +59,7 @@ QByteArray FontData()
     for (quint16 v : {quint16(200), quint16(0), quint16(0x7FFF), quint16(400), quint16(0)})
         PutU16(data, v);
     data.append(4, '\0'); // underline, family, character set, reserved
-    const QString name = QStringLiteral("Arial");
+    const QString name = u"Arial"_s;
     data.append(static_cast<char>(name.size()));
     data.append('\0');
     PutChars(data, name, true);
@@ -243,7 +245,7 @@ QByteArray Globals(const std::vector<const XlsWorksheet*>& sheets, std::vector<q
         Put(out, Font, FontData());
     QByteArray format;
     PutU16(format, DateFormat);
-    const QString pattern = QStringLiteral("dd.mm.yyyy");
+    const QString pattern = u"dd.mm.yyyy"_s;
     PutU16(format, static_cast<quint16>(pattern.size()));
     format.append('\0');
     PutChars(format, pattern, true);

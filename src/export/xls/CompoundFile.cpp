@@ -4,6 +4,8 @@
 
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int SectorSize = 512;
 constexpr quint32 FreeSector = 0xFFFFFFFF;
@@ -127,8 +129,8 @@ QByteArray CompoundFileWithWorkbook(QByteArray workbook)
     const Layout layout = Plan(workbook.size());
 
     QByteArray directory;
-    DirectoryEntry(directory, QStringLiteral("Root Entry"), 5, 1, EndOfChain, 0);
-    DirectoryEntry(directory, QStringLiteral("Workbook"), 2, NoStream, 0, size);
+    DirectoryEntry(directory, u"Root Entry"_s, 5, 1, EndOfChain, 0);
+    DirectoryEntry(directory, u"Workbook"_s, 2, NoStream, 0, size);
     while (directory.size() < SectorSize)
         DirectoryEntry(directory, QString(), 0, NoStream, 0, 0);
     // An empty entry carries a name length of 0, not 2.

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int MaxSheetName = 31;
 } // namespace
@@ -13,10 +15,10 @@ constexpr int MaxSheetName = 31;
 void XlsWorksheet::put(int row, int col, Kind kind, double value)
 {
     if (row < 1 || row > MaxRows)
-        throw XlsError(QString::fromUtf8("Arkusz \"%1\": wiersz %2 poza zakresem formatu XLS (1–%3).")
+        throw XlsError(u"Arkusz \"%1\": wiersz %2 poza zakresem formatu XLS (1–%3)."_s
                            .arg(name_).arg(row).arg(MaxRows));
     if (col < 1 || col > MaxColumns)
-        throw XlsError(QString::fromUtf8("Arkusz \"%1\": kolumna %2 poza zakresem formatu XLS (1–%3).")
+        throw XlsError(u"Arkusz \"%1\": kolumna %2 poza zakresem formatu XLS (1–%3)."_s
                            .arg(name_).arg(col).arg(MaxColumns));
     cells_.push_back({static_cast<quint16>(row - 1), static_cast<quint16>(col - 1), kind, value});
 }
@@ -24,8 +26,8 @@ void XlsWorksheet::put(int row, int col, Kind kind, double value)
 void XlsWorksheet::setText(int row, int col, const QString& text)
 {
     if (text.size() > MaxCellText)
-        throw XlsError(QString::fromUtf8("Arkusz \"%1\", wiersz %2, kolumna %3: tekst ma %4 znaków, a komórka XLS "
-                                         "mieści najwyżej %5.")
+        throw XlsError(u"Arkusz \"%1\", wiersz %2, kolumna %3: tekst ma %4 znaków, a komórka XLS "
+                                         u"mieści najwyżej %5."_s
                            .arg(name_).arg(row).arg(col).arg(text.size()).arg(MaxCellText));
     put(row, col, Kind::Text, static_cast<double>(texts_.size()));
     texts_.push_back(text);
@@ -66,19 +68,19 @@ std::vector<XlsWorksheet::Cell> XlsWorksheet::sortedCells() const
 
 XlsWorksheet& XlsWorkbook::addSheet(const QString& name)
 {
-    static const QString forbidden = QStringLiteral("[]:*?/\\");
+    static const QString forbidden = u"[]:*?/\\"_s;
     for (const QChar c : name)
         if (forbidden.contains(c))
-            throw XlsError(QString::fromUtf8("Nazwa arkusza \"%1\" zawiera niedozwolony znak \"%2\".").arg(name, c));
+            throw XlsError(u"Nazwa arkusza \"%1\" zawiera niedozwolony znak \"%2\"."_s.arg(name, c));
     const QString cut = name.left(MaxSheetName);
     if (cut.isEmpty())
-        throw XlsError(QString::fromUtf8("Arkusz musi mieć nazwę."));
+        throw XlsError(u"Arkusz musi mieć nazwę."_s);
     if (cut.startsWith(u'\'') || cut.endsWith(u'\''))
         throw XlsError(
-            QString::fromUtf8("Nazwa arkusza \"%1\" nie może zaczynać się ani kończyć apostrofem.").arg(cut));
+            u"Nazwa arkusza \"%1\" nie może zaczynać się ani kończyć apostrofem."_s.arg(cut));
     for (const XlsWorksheet& sheet : sheets_)
         if (sheet.name().compare(cut, Qt::CaseInsensitive) == 0)
-            throw XlsError(QString::fromUtf8("Arkusz o nazwie \"%1\" już istnieje.").arg(cut));
+            throw XlsError(u"Arkusz o nazwie \"%1\" już istnieje."_s.arg(cut));
     return sheets_.emplace_back(cut);
 }
 
@@ -88,7 +90,7 @@ QByteArray XlsWorkbook::toBytes() const
     for (const XlsWorksheet& sheet : sheets_)
         sheets.push_back(&sheet);
     // A workbook needs at least one sheet to open.
-    const XlsWorksheet empty(QStringLiteral("Arkusz1"));
+    const XlsWorksheet empty(u"Arkusz1"_s);
     if (sheets.empty())
         sheets.push_back(&empty);
     return CompoundFileWithWorkbook(WorkbookStream(sheets));

@@ -1,16 +1,16 @@
 #pragma once
 
+#include "framework/HalvarnError.h"
+
 #include <QDate>
 #include <QString>
 
 #include <deque>
-#include <stdexcept>
 #include <vector>
 
-class XlsError : public std::runtime_error {
+class XlsError : public HalvarnError {
 public:
-    using std::runtime_error::runtime_error;
-    explicit XlsError(const QString& message) : std::runtime_error(message.toStdString()) {}
+    using HalvarnError::HalvarnError;
 };
 
 // One worksheet of an Excel 97–2003 workbook. Rows run from 1 to 65536 and

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 // What an age-bound edit of a parameter row does.
 enum class BoundEdit {
     None,        // the class has no such bound: disabled and empty
@@ -20,8 +22,8 @@ struct AgeLimitRow {
     BoundEdit lower;
     BoundEdit upper;
 
-    QString lowerName() const { return stem + QStringLiteral("_Wiek_Od"); }
-    QString upperName() const { return stem + QStringLiteral("_Wiek_Do"); }
+    QString lowerName() const { return stem + u"_Wiek_Od"_s; }
+    QString upperName() const { return stem + u"_Wiek_Do"_s; }
 };
 
 using AgeLimitFamily = std::vector<AgeLimitRow>;

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int NameColumn = 0;
 constexpr int LowerColumn = 1;
@@ -36,7 +38,7 @@ QLabel* HeaderLabel(const char* text, Qt::Alignment alignment)
 QLineEdit* ClassName(const AgeLimitRow& row)
 {
     auto* name = new QLineEdit(row.caption);
-    name->setObjectName(row.stem + QStringLiteral("_Grupa"));
+    name->setObjectName(row.stem + u"_Grupa"_s);
     MakeReadOnly(*name);
     name->setFocusPolicy(Qt::NoFocus);
     name->setMinimumWidth(name->fontMetrics().horizontalAdvance(row.caption) + 16);
@@ -44,9 +46,9 @@ QLineEdit* ClassName(const AgeLimitRow& row)
 }
 } // namespace
 
-AgeLimitsPanel::AgeLimitsPanel(QWidget* parent) : QGroupBox(QStringLiteral("Przedziały wiekowe"), parent)
+AgeLimitsPanel::AgeLimitsPanel(QWidget* parent) : QGroupBox(u"Przedziały wiekowe"_s, parent)
 {
-    setObjectName(QStringLiteral("grpPrzedzialyWiekowe"));
+    setObjectName(u"grpPrzedzialyWiekowe"_s);
     auto* grid = new QGridLayout(this);
     grid->setColumnStretch(NameColumn, 1);
     grid->setHorizontalSpacing(6);
@@ -59,8 +61,8 @@ AgeLimitsPanel::AgeLimitsPanel(QWidget* parent) : QGroupBox(QStringLiteral("Prze
         for (const AgeLimitRow& limitRow : family)
             addRow(*grid, row++, limitRow);
     }
-    auto* note = new QLabel(QStringLiteral("Wartości pojawią sie od następnego pobrania danych"));
-    note->setObjectName(QStringLiteral("lblUwaga"));
+    auto* note = new QLabel(u"Wartości pojawią sie od następnego pobrania danych"_s);
+    note->setObjectName(u"lblUwaga"_s);
     grid->setRowMinimumHeight(row++, FamilyGap);
     grid->addWidget(note, row, NameColumn, 1, 3);
 }

@@ -6,13 +6,15 @@
 #include <QPalette>
 #include <QPushButton>
 
+using namespace Qt::StringLiterals;
+
 QDialogButtonBox* AddOkCancel(QDialog& dialog)
 {
     auto* box = new QDialogButtonBox(&dialog);
-    QPushButton* ok = box->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole);
-    QPushButton* cancel = box->addButton(QStringLiteral("Anuluj"), QDialogButtonBox::RejectRole);
-    ok->setObjectName(QStringLiteral("btnOK"));
-    cancel->setObjectName(QStringLiteral("btnCancel"));
+    QPushButton* ok = box->addButton(u"OK"_s, QDialogButtonBox::AcceptRole);
+    QPushButton* cancel = box->addButton(u"Anuluj"_s, QDialogButtonBox::RejectRole);
+    ok->setObjectName(u"btnOK"_s);
+    cancel->setObjectName(u"btnCancel"_s);
     ok->setDefault(true);
     QObject::connect(box, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(box, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);

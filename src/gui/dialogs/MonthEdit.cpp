@@ -2,6 +2,8 @@
 
 #include <QRegularExpressionValidator>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr char16_t GroupSeparator = u'\u00A0'; // no-break space, as Polish number formats use
 
@@ -15,7 +17,7 @@ MonthEdit::MonthEdit(QWidget* parent) : QLineEdit(parent)
 {
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     // Nine digits at most, so every accepted text fits an int.
-    setValidator(new QRegularExpressionValidator(QRegularExpression(QStringLiteral("-?[0-9]{0,9}")), this));
+    setValidator(new QRegularExpressionValidator(QRegularExpression(u"-?[0-9]{0,9}"_s), this));
 }
 
 QString MonthEdit::grouped(int value)

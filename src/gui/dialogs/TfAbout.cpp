@@ -8,6 +8,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QLabel* NamedLabel(const QString& text, const char* name)
 {
@@ -18,7 +20,7 @@ QLabel* NamedLabel(const QString& text, const char* name)
 
 QLabel* TitleLabel()
 {
-    QLabel* title = NamedLabel(QStringLiteral("Fernhill Halvarn Bydła"), "lblTytul");
+    QLabel* title = NamedLabel(u"Fernhill Halvarn Bydła"_s, "lblTytul");
     QFont font = title->font();
     font.setBold(true);
     font.setPointSizeF(font.pointSizeF() * 1.4);
@@ -29,8 +31,8 @@ QLabel* TitleLabel()
 QDialogButtonBox* CloseButton(QDialog& dialog)
 {
     auto* box = new QDialogButtonBox(&dialog);
-    QPushButton* close = box->addButton(QStringLiteral("Zamknij"), QDialogButtonBox::RejectRole);
-    close->setObjectName(QStringLiteral("btnClose"));
+    QPushButton* close = box->addButton(u"Zamknij"_s, QDialogButtonBox::RejectRole);
+    close->setObjectName(u"btnClose"_s);
     close->setDefault(true);
     QObject::connect(box, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     return box;
@@ -39,13 +41,13 @@ QDialogButtonBox* CloseButton(QDialog& dialog)
 
 TfAbout::TfAbout(const QString& settingsFile, QWidget* parent) : QDialog(parent)
 {
-    setObjectName(QStringLiteral("TfAbout"));
-    setWindowTitle(QStringLiteral("O programie"));
+    setObjectName(u"TfAbout"_s);
+    setWindowTitle(u"O programie"_s);
 
     QLabel* support =
-        NamedLabel(QStringLiteral("Pomoc techniczna: ") + supportEmail(settingsFile), "lblPomocTechniczna");
+        NamedLabel(u"Pomoc techniczna: "_s + supportEmail(settingsFile), "lblPomocTechniczna");
     support->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    QLabel* version = NamedLabel(QStringLiteral("Wersja: ") + QCoreApplication::applicationVersion(), "lblWersja");
+    QLabel* version = NamedLabel(u"Wersja: "_s + QCoreApplication::applicationVersion(), "lblWersja");
 
     auto* layout = new QVBoxLayout(this);
     layout->setSpacing(8);
@@ -59,9 +61,9 @@ TfAbout::TfAbout(const QString& settingsFile, QWidget* parent) : QDialog(parent)
 
 QString TfAbout::supportEmail(const QString& settingsFile)
 {
-    const QString fallback = QStringLiteral("pomoc@fernhill.pl");
+    const QString fallback = u"pomoc@fernhill.pl"_s;
     const QString configured =
-        IniFile(settingsFile).readString(QStringLiteral("POMOC"), QStringLiteral("Email"), fallback);
+        IniFile(settingsFile).readString(u"POMOC"_s, u"Email"_s, fallback);
     return configured.isEmpty() ? fallback : configured;
 }
 

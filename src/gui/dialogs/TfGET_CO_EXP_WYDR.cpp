@@ -12,6 +12,8 @@
 #include <QPalette>
 #include <QVBoxLayout>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 const QColor MissingBackground(0xff, 0xe4, 0xe1);
 const QColor MissingText(0xc0, 0x00, 0x00);
@@ -19,18 +21,18 @@ const QColor MissingText(0xc0, 0x00, 0x00);
 
 TfGET_CO_EXP_WYDR::TfGET_CO_EXP_WYDR(QWidget* parent) : QDialog(parent)
 {
-    setObjectName(QStringLiteral("TfGET_CO_EXP_WYDR"));
-    setWindowTitle(QStringLiteral("Zakres dat"));
+    setObjectName(u"TfGET_CO_EXP_WYDR"_s);
+    setWindowTitle(u"Zakres dat"_s);
 
-    auto* group = new QGroupBox(QStringLiteral("Dane podstawowe"));
-    allHerds_ = new QCheckBox(QStringLiteral("Ogółem wraz z poszczególnymi stadami"));
-    allHerds_->setObjectName(QStringLiteral("edOgolem"));
-    herdLabel_ = new QLabel(QStringLiteral("Stado (\"000\" oznacza ogółem)"));
+    auto* group = new QGroupBox(u"Dane podstawowe"_s);
+    allHerds_ = new QCheckBox(u"Ogółem wraz z poszczególnymi stadami"_s);
+    allHerds_->setObjectName(u"edOgolem"_s);
+    herdLabel_ = new QLabel(u"Stado (\"000\" oznacza ogółem)"_s);
     herdEdit_ = new QLineEdit;
-    herdEdit_->setObjectName(QStringLiteral("edStado"));
+    herdEdit_->setObjectName(u"edStado"_s);
     herdLabel_->setBuddy(herdEdit_);
-    missingHint_ = new QLabel(QStringLiteral("Podaj numer stada."));
-    missingHint_->setObjectName(QStringLiteral("lblBrakStada"));
+    missingHint_ = new QLabel(u"Podaj numer stada."_s);
+    missingHint_->setObjectName(u"lblBrakStada"_s);
     QPalette red = missingHint_->palette();
     red.setColor(QPalette::WindowText, MissingText);
     missingHint_->setPalette(red);
@@ -55,7 +57,7 @@ TfGET_CO_EXP_WYDR::TfGET_CO_EXP_WYDR(QWidget* parent) : QDialog(parent)
 
 QString TfGET_CO_EXP_WYDR::herd() const
 {
-    return allHerds_->isChecked() ? QStringLiteral("ALL") : herdEdit_->text().trimmed();
+    return allHerds_->isChecked() ? u"ALL"_s : herdEdit_->text().trimmed();
 }
 
 void TfGET_CO_EXP_WYDR::allHerdsToggled(bool checked)

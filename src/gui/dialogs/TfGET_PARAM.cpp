@@ -17,15 +17,17 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QString PathsSection()
 {
-    return QStringLiteral("PATHS");
+    return u"PATHS"_s;
 }
 
 QString CsvKey()
 {
-    return QStringLiteral("CSV");
+    return u"CSV"_s;
 }
 
 bool AskYesNo(QWidget* parent, const QString& title, const QString& text)
@@ -36,7 +38,7 @@ bool AskYesNo(QWidget* parent, const QString& title, const QString& text)
 
 QString PickFolder(QWidget* parent, const QString& startFolder)
 {
-    return QFileDialog::getExistingDirectory(parent, QStringLiteral("Ścieżka dla pliku CSV"), startFolder);
+    return QFileDialog::getExistingDirectory(parent, u"Ścieżka dla pliku CSV"_s, startFolder);
 }
 
 void ShowError(QWidget* parent, const QString& title, const QString& text)
@@ -49,10 +51,10 @@ TfGET_PARAM::TfGET_PARAM(QString settingsFile, QString defaultCsvFolder, QWidget
     : QDialog(parent), settingsFile_(std::move(settingsFile)), defaultCsvFolder_(std::move(defaultCsvFolder)),
       question_(AskYesNo), folderPicker_(PickFolder), errorReport_(ShowError)
 {
-    setObjectName(QStringLiteral("TfGET_PARAM"));
-    setWindowTitle(QStringLiteral("Parametry"));
-    auto* restore = new QPushButton(QStringLiteral("Przywrócenie wartości domyślnych"));
-    restore->setObjectName(QStringLiteral("btnRestoreDefaults"));
+    setObjectName(u"TfGET_PARAM"_s);
+    setWindowTitle(u"Parametry"_s);
+    auto* restore = new QPushButton(u"Przywrócenie wartości domyślnych"_s);
+    restore->setObjectName(u"btnRestoreDefaults"_s);
     restore->setAutoDefault(false);
     connect(restore, &QPushButton::clicked, this, &TfGET_PARAM::restoreDefaults);
     limitsPanel_ = new AgeLimitsPanel;
@@ -69,15 +71,15 @@ TfGET_PARAM::TfGET_PARAM(QString settingsFile, QString defaultCsvFolder, QWidget
 QWidget* TfGET_PARAM::buildCsvRow()
 {
     auto* row = new QWidget;
-    auto* label = new QLabel(QStringLiteral("Ścieżka dla pliku CSV"));
+    auto* label = new QLabel(u"Ścieżka dla pliku CSV"_s);
     csvEdit_ = new QLineEdit;
-    csvEdit_->setObjectName(QStringLiteral("edCSV"));
+    csvEdit_->setObjectName(u"edCSV"_s);
     MakeReadOnly(*csvEdit_);
     label->setBuddy(csvEdit_);
     auto* browse = new QToolButton;
-    browse->setObjectName(QStringLiteral("btnCsvFolder"));
-    browse->setText(QStringLiteral("..."));
-    browse->setToolTip(QStringLiteral("Wybierz folder"));
+    browse->setObjectName(u"btnCsvFolder"_s);
+    browse->setText(u"..."_s);
+    browse->setToolTip(u"Wybierz folder"_s);
     connect(browse, &QToolButton::clicked, this, &TfGET_PARAM::chooseCsvFolder);
 
     auto* layout = new QHBoxLayout(row);
@@ -104,22 +106,22 @@ bool TfGET_PARAM::save()
         ini.writeString(PathsSection(), CsvKey(), csvEdit_->text());
         return true;
     } catch (const FileWriteError& error) {
-        errorReport_(this, QStringLiteral("Błąd..."),
-                     QStringLiteral("Nie zapisano parametrów.\n%1").arg(error.message()));
+        errorReport_(this, u"Błąd..."_s,
+                     u"Nie zapisano parametrów.\n%1"_s.arg(error.message()));
         return false;
     }
 }
 
 void TfGET_PARAM::restoreDefaults()
 {
-    if (!question_(this, QStringLiteral("Pytanie"),
-                   QStringLiteral("Czy przywrócić wartości domyślne? Nie będzie można cofnąć przywrócenia. ")))
+    if (!question_(this, u"Pytanie"_s,
+                   u"Czy przywrócić wartości domyślne? Nie będzie można cofnąć przywrócenia. "_s))
         return;
     try {
         IniFile(settingsFile_).eraseSection(AgeLimitsSection());
     } catch (const FileWriteError& error) {
-        errorReport_(this, QStringLiteral("Błąd..."),
-                     QStringLiteral("Nie przywrócono wartości domyślnych.\n%1").arg(error.message()));
+        errorReport_(this, u"Błąd..."_s,
+                     u"Nie przywrócono wartości domyślnych.\n%1"_s.arg(error.message()));
         return;
     }
     load();

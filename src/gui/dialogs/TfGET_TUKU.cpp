@@ -10,6 +10,8 @@
 
 #include <array>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 struct UseDirection {
     const char* caption;
@@ -27,16 +29,16 @@ constexpr std::array<UseDirection, 5> UseDirections{{
 
 TfGET_TUKU::TfGET_TUKU(QWidget* parent) : QDialog(parent)
 {
-    setObjectName(QStringLiteral("TfGET_TUKU"));
-    setWindowTitle(QStringLiteral("Wybór"));
+    setObjectName(u"TfGET_TUKU"_s);
+    setWindowTitle(u"Wybór"_s);
 
-    auto* group = new QGroupBox(QStringLiteral("Kierunki użytkowania"));
+    auto* group = new QGroupBox(u"Kierunki użytkowania"_s);
     auto* groupLayout = new QVBoxLayout(group);
     choices_ = new QButtonGroup(this);
     for (int id = 0; id < static_cast<int>(UseDirections.size()); ++id) {
         const UseDirection& direction = UseDirections[static_cast<std::size_t>(id)];
         auto* button = new QRadioButton(QString::fromUtf8(direction.caption));
-        button->setObjectName(QStringLiteral("ed") + QLatin1StringView(direction.code));
+        button->setObjectName(u"ed"_s + QLatin1StringView(direction.code));
         choices_->addButton(button, id);
         groupLayout->addWidget(button);
     }

@@ -8,6 +8,8 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int TextRole = Qt::UserRole;
 
@@ -24,20 +26,20 @@ ColumnFilterPopup::ColumnFilterPopup(const QString& field, const QStringList& va
                                      QWidget* parent)
     : QFrame(parent, Qt::Popup), list_(new QListWidget(this))
 {
-    setObjectName(QStringLiteral("filterPopup"));
+    setObjectName(u"filterPopup"_s);
     setAttribute(Qt::WA_DeleteOnClose);
     setFrameStyle(QFrame::Box | QFrame::Plain);
-    list_->setObjectName(QStringLiteral("lstWartosci"));
-    CheckableItem(QStringLiteral("(Wszystkie)"), accepted.isEmpty(), list_);
+    list_->setObjectName(u"lstWartosci"_s);
+    CheckableItem(u"(Wszystkie)"_s, accepted.isEmpty(), list_);
     for (const QString& value : values)
         CheckableItem(ValueLabel(field, value), accepted.contains(value), list_)->setData(TextRole, value);
     connect(list_, &QListWidget::itemChanged, this, &ColumnFilterPopup::itemChanged);
 
-    auto* ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("btnOK"));
+    auto* ok = new QPushButton(u"OK"_s, this);
+    ok->setObjectName(u"btnOK"_s);
     ok->setDefault(true);
-    auto* cancel = new QPushButton(QStringLiteral("Anuluj"), this);
-    cancel->setObjectName(QStringLiteral("btnAnuluj"));
+    auto* cancel = new QPushButton(u"Anuluj"_s, this);
+    cancel->setObjectName(u"btnAnuluj"_s);
     connect(ok, &QPushButton::clicked, this, &ColumnFilterPopup::apply);
     connect(cancel, &QPushButton::clicked, this, &QWidget::close);
 

@@ -1,5 +1,7 @@
 #include "gui/grids/GridColumns.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr Qt::Alignment Left = Qt::AlignLeft | Qt::AlignVCenter;
 constexpr Qt::Alignment Right = Qt::AlignRight | Qt::AlignVCenter;
@@ -8,7 +10,7 @@ constexpr Qt::Alignment Centre = Qt::AlignHCenter | Qt::AlignVCenter;
 GridColumn Column(const char* field, const char* caption, Qt::Alignment alignment = Left)
 {
     const QString name = QString::fromLatin1(field);
-    return {QStringLiteral("cl") + name, name, QString::fromUtf8(caption), alignment};
+    return {u"cl"_s + name, name, QString::fromUtf8(caption), alignment};
 }
 
 // Every column an animal grid can show; the grids pick theirs by field, in their own order.
@@ -64,13 +66,13 @@ std::vector<GridColumn> ColumnsFor(GridKind kind)
 
 std::vector<FooterCell> AnimalFooterCells()
 {
-    return {{QStringLiteral("NumerIdentyfikacyjny"), FooterKind::Count}, {QStringLiteral("CzyMatka"), FooterKind::Sum}};
+    return {{u"NumerIdentyfikacyjny"_s, FooterKind::Count}, {u"CzyMatka"_s, FooterKind::Sum}};
 }
 
 std::vector<FooterCell> FooterCellsFor(GridKind kind)
 {
     if (kind == GridKind::Groups)
-        return {{QStringLiteral("GT"), FooterKind::Count}, {QStringLiteral("Ilosc"), FooterKind::Sum}};
+        return {{u"GT"_s, FooterKind::Count}, {u"Ilosc"_s, FooterKind::Sum}};
     return AnimalFooterCells();
 }
 

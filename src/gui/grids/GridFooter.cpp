@@ -6,6 +6,8 @@
 #include <QPainter>
 #include <QScrollBar>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int Margin = 4;
 }
@@ -13,7 +15,7 @@ constexpr int Margin = 4;
 GridFooter::GridFooter(QAbstractItemView& view, QHeaderView& header, QWidget* parent)
     : QWidget(parent), view_(view), header_(header)
 {
-    setObjectName(QStringLiteral("footer"));
+    setObjectName(u"footer"_s);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     const auto repaint = [this] { update(); };
     connect(&header_, &QHeaderView::sectionResized, this, repaint);

@@ -8,19 +8,21 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 // How many characters a column's values usually take.
 int TypicalCharacters(const QString& field)
 {
     static const QHash<QString, int> widths{
-        {QStringLiteral("ZAZNACZONE"), 3},
-        {QStringLiteral("NumerIdentyfikacyjny"), 16},
-        {QStringLiteral("DataUrodzenia"), 10},
-        {QStringLiteral("TypUzytkowy"), 14},
-        {QStringLiteral("KierunekUzytkowania"), 14},
-        {QStringLiteral("GdzieRozpatrzono"), 28},
-        {QStringLiteral("GT"), 31},
-        {QStringLiteral("ZakresWieku"), 17},
+        {u"ZAZNACZONE"_s, 3},
+        {u"NumerIdentyfikacyjny"_s, 16},
+        {u"DataUrodzenia"_s, 10},
+        {u"TypUzytkowy"_s, 14},
+        {u"KierunekUzytkowania"_s, 14},
+        {u"GdzieRozpatrzono"_s, 28},
+        {u"GT"_s, 31},
+        {u"ZakresWieku"_s, 17},
     };
     return widths.value(field, 6);
 }

@@ -19,11 +19,13 @@
 #include <algorithm>
 #include <limits>
 
+using namespace Qt::StringLiterals;
+
 SummaryGrid::SummaryGrid(Table& mdRZ00, QWidget* parent)
     : QWidget(parent), table_(mdRZ00), model_(new SummaryModel(mdRZ00, this)), view_(new SummaryTreeView(this)),
       footer_(new GridFooter(*view_, *view_->header(), this))
 {
-    view_->setObjectName(QStringLiteral("view"));
+    view_->setObjectName(u"view"_s);
     view_->setModel(model_);
     SetUpGridView(*view_);
     view_->setUniformRowHeights(true);
@@ -60,11 +62,11 @@ void SummaryGrid::fitColumns()
 QWidget* SummaryGrid::createGroupBar()
 {
     auto* bar = new QWidget(this);
-    auto* label = new QLabel(QStringLiteral("Grupuj według:"), bar);
+    auto* label = new QLabel(u"Grupuj według:"_s, bar);
     groupChoice_ = new QComboBox(bar);
-    groupChoice_->setObjectName(QStringLiteral("edGrupujWedlug"));
+    groupChoice_->setObjectName(u"edGrupujWedlug"_s);
     label->setBuddy(groupChoice_);
-    groupChoice_->addItem(QStringLiteral("(brak)"), QString());
+    groupChoice_->addItem(u"(brak)"_s, QString());
     for (const GridColumn& column : model_->columns())
         groupChoice_->addItem(column.caption, column.field);
     connect(groupChoice_, &QComboBox::activated, this,
@@ -80,12 +82,12 @@ QWidget* SummaryGrid::createGroupBar()
 QWidget* SummaryGrid::createFilterBar()
 {
     filterBar_ = new QWidget(this);
-    filterBar_->setObjectName(QStringLiteral("filterBar"));
+    filterBar_->setObjectName(u"filterBar"_s);
     filterText_ = new QLabel(filterBar_);
-    filterText_->setObjectName(QStringLiteral("lblFiltr"));
+    filterText_->setObjectName(u"lblFiltr"_s);
     filterText_->setWordWrap(true);
-    auto* clear = new QPushButton(QStringLiteral("Wyczyść filtr"), filterBar_);
-    clear->setObjectName(QStringLiteral("btnWyczyscFiltr"));
+    auto* clear = new QPushButton(u"Wyczyść filtr"_s, filterBar_);
+    clear->setObjectName(u"btnWyczyscFiltr"_s);
     connect(clear, &QPushButton::clicked, this, &SummaryGrid::clearFilters);
     auto* layout = new QHBoxLayout(filterBar_);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -256,7 +258,7 @@ QString SummaryGrid::filterDescription() const
         const int column = ColumnOfField(model_->columns(), fieldName(field));
         parts.emplace_back(
             column < 0 ? std::numeric_limits<int>::max() : column,
-            QStringLiteral("%1 = %2").arg(model_->captionOfField(field), labels.join(QStringLiteral(" lub "))));
+            u"%1 = %2"_s.arg(model_->captionOfField(field), labels.join(u" lub "_s)));
     }
     if (parts.empty())
         return {};
@@ -264,7 +266,7 @@ QString SummaryGrid::filterDescription() const
     QStringList words;
     for (const auto& part : parts)
         words.append(part.second);
-    return QStringLiteral("Filtr: ") + words.join(QStringLiteral(" oraz "));
+    return u"Filtr: "_s + words.join(u" oraz "_s);
 }
 
 void SummaryGrid::updateFilterBar()
@@ -298,20 +300,20 @@ void SummaryGrid::showHeaderMenu(const QPoint& position)
         return;
     const QString field = model_->columns()[static_cast<std::size_t>(column)].field;
     QMenu menu(this);
-    menu.addAction(QStringLiteral("Sortuj rosnąco"), this, [this, field] { sortByField(field, Qt::AscendingOrder); });
-    menu.addAction(QStringLiteral("Sortuj malejąco"), this, [this, field] { sortByField(field, Qt::DescendingOrder); });
-    menu.addAction(QStringLiteral("Bez sortowania"), this, [this] { sortByField({}, Qt::AscendingOrder); });
+    menu.addAction(u"Sortuj rosnąco"_s, this, [this, field] { sortByField(field, Qt::AscendingOrder); });
+    menu.addAction(u"Sortuj malejąco"_s, this, [this, field] { sortByField(field, Qt::DescendingOrder); });
+    menu.addAction(u"Bez sortowania"_s, this, [this] { sortByField({}, Qt::AscendingOrder); });
     menu.addSeparator();
-    menu.addAction(QStringLiteral("Grupuj według tej kolumny"), this, [this, field] { groupByField(field); });
-    menu.addAction(QStringLiteral("Bez grupowania"), this, [this] { groupByField({}); })
+    menu.addAction(u"Grupuj według tej kolumny"_s, this, [this, field] { groupByField(field); });
+    menu.addAction(u"Bez grupowania"_s, this, [this] { groupByField({}); })
         ->setEnabled(model_->layout().isGrouped());
     menu.addSeparator();
     // The list pops up once the menu has closed.
-    menu.addAction(QStringLiteral("Filtruj…"), this, [this, field] {
+    menu.addAction(u"Filtruj…"_s, this, [this, field] {
         QMetaObject::invokeMethod(
             this, [this, field] { openFilterPopup(field); }, Qt::QueuedConnection);
     });
-    menu.addAction(QStringLiteral("Wyczyść filtr"), this, &SummaryGrid::clearFilters)
+    menu.addAction(u"Wyczyść filtr"_s, this, &SummaryGrid::clearFilters)
         ->setEnabled(!model_->layout().filters().empty());
     menu.exec(view_->header()->viewport()->mapToGlobal(position));
 }

@@ -6,16 +6,18 @@
 #include <QFont>
 #include <QHash>
 
+using namespace Qt::StringLiterals;
+
 namespace {
-const QString MarkField = QStringLiteral("ZAZNACZONE");
+const QString MarkField = u"ZAZNACZONE"_s;
 }
 
 QString ValueLabel(const QString& field, const QString& displayText)
 {
     if (displayText.isEmpty())
-        return QStringLiteral("(Puste)");
+        return u"(Puste)"_s;
     if (field == MarkField)
-        return displayText == u"True" ? QStringLiteral("Zaznaczone") : QStringLiteral("Niezaznaczone");
+        return displayText == u"True" ? u"Zaznaczone"_s : u"Niezaznaczone"_s;
     return displayText;
 }
 
@@ -193,7 +195,7 @@ QVariant SummaryModel::groupData(const QModelIndex& index, int role) const
     const SummaryLayout::Group& group = layout_.groups()[static_cast<std::size_t>(index.row())];
     const int field = layout_.groupField();
     if (role == Qt::DisplayRole)
-        return QStringLiteral("%1: %2 (%3)")
+        return u"%1: %2 (%3)"_s
             .arg(captionOfField(field), ValueLabel(table_.fields()[static_cast<std::size_t>(field)].name, group.text))
             .arg(group.records.size());
     if (role == Qt::FontRole) {

@@ -11,11 +11,13 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+using namespace Qt::StringLiterals;
+
 TableGrid::TableGrid(Table& table, GridKind kind, QWidget* parent)
     : QWidget(parent), kind_(kind), model_(new TableModel(table, ColumnsFor(kind), this)), view_(new QTableView(this)),
       footer_(new GridFooter(*view_, *view_->horizontalHeader(), this)), footerCells_(FooterCellsFor(kind))
 {
-    view_->setObjectName(QStringLiteral("view"));
+    view_->setObjectName(u"view"_s);
     view_->setModel(model_);
     SetUpGridView(*view_);
     view_->verticalHeader()->hide();

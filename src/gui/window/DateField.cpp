@@ -7,6 +7,8 @@
 #include <QLineEdit>
 #include <QToolButton>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 // The earliest date of the edit stands for "no date" and is shown blank.
 const QDate NoDate(1899, 12, 30);
@@ -24,14 +26,14 @@ QToolButton* SmallButton(const QString& text, const QString& toolTip, QWidget* p
 
 DateField::DateField(QWidget* parent) : QWidget(parent), edit_(new QDateEdit(this))
 {
-    edit_->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
+    edit_->setDisplayFormat(u"dd.MM.yyyy"_s);
     edit_->setCalendarPopup(true);
     edit_->setMinimumDate(NoDate);
-    edit_->setSpecialValueText(QStringLiteral(" "));
+    edit_->setSpecialValueText(u" "_s);
     edit_->setDate(NoDate);
     edit_->installEventFilter(this);
-    auto* clear = SmallButton(QStringLiteral("×"), QStringLiteral("Wyczyść"), this);
-    auto* today = SmallButton(QStringLiteral("Dziś"), QStringLiteral("Dzisiejsza data"), this);
+    auto* clear = SmallButton(u"×"_s, u"Wyczyść"_s, this);
+    auto* today = SmallButton(u"Dziś"_s, u"Dzisiejsza data"_s, this);
     connect(clear, &QToolButton::clicked, this, [this] { setDate({}); });
     connect(today, &QToolButton::clicked, this, [this] { setDate(QDate::currentDate()); });
     auto* layout = new QHBoxLayout(this);

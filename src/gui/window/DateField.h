@@ -3,6 +3,8 @@
 #include <QDateTimeEdit>
 #include <QWidget>
 
+using namespace Qt::StringLiterals;
+
 // A date-only edit that can be empty, with buttons to clear it and to pick today.
 class DateField : public QWidget {
     Q_OBJECT
@@ -28,5 +30,5 @@ private:
 // Dates as the window shows them.
 inline QString ShortDate(QDate date)
 {
-    return date.toString(QStringLiteral("dd.MM.yyyy"));
+    return date.toString(u"dd.MM.yyyy"_s);
 }

@@ -5,9 +5,11 @@
 #include <QLabel>
 #include <QProgressBar>
 
+using namespace Qt::StringLiterals;
+
 StatusDisplay::StatusDisplay(QWidget* parent) : QStatusBar(parent)
 {
-    setObjectName(QStringLiteral("dxStatusBar1"));
+    setObjectName(u"dxStatusBar1"_s);
     setSizeGripEnabled(false);
     auto* strip = new QWidget(this);
     layout_ = new QHBoxLayout(strip);
@@ -22,7 +24,7 @@ StatusDisplay::StatusDisplay(QWidget* parent) : QStatusBar(parent)
     addHidden(4);
     bar1_ = addProgressBar(Progress1);
     bar2_ = addProgressBar(Progress2);
-    addLabel(Version, 80)->setText(QStringLiteral("Ver.: ") + QCoreApplication::applicationVersion());
+    addLabel(Version, 80)->setText(u"Ver.: "_s + QCoreApplication::applicationVersion());
     addLabel(Today, 110);
     setMode(false, false);
 }
@@ -30,7 +32,7 @@ StatusDisplay::StatusDisplay(QWidget* parent) : QStatusBar(parent)
 QLabel* StatusDisplay::addLabel(int index, int width)
 {
     auto* label = new QLabel(this);
-    label->setObjectName(QStringLiteral("StatusPanel%1").arg(index));
+    label->setObjectName(u"StatusPanel%1"_s.arg(index));
     label->setFrameShape(QFrame::StyledPanel);
     label->setMinimumWidth(width);
     layout_->addWidget(label);
@@ -41,7 +43,7 @@ QLabel* StatusDisplay::addLabel(int index, int width)
 QProgressBar* StatusDisplay::addProgressBar(int index)
 {
     auto* bar = new QProgressBar(this);
-    bar->setObjectName(QStringLiteral("cxProgressBar%1").arg(index == Progress1 ? 1 : 2));
+    bar->setObjectName(u"cxProgressBar%1"_s.arg(index == Progress1 ? 1 : 2));
     bar->setMinimumWidth(100);
     bar->setTextVisible(false);
     bar->setRange(0, 100);
@@ -55,7 +57,7 @@ QProgressBar* StatusDisplay::addProgressBar(int index)
 void StatusDisplay::addHidden(int index)
 {
     auto* panel = new QWidget(this);
-    panel->setObjectName(QStringLiteral("StatusPanel%1").arg(index));
+    panel->setObjectName(u"StatusPanel%1"_s.arg(index));
     panel->hide();
     layout_->addWidget(panel);
     panels_[static_cast<std::size_t>(index)] = panel;

@@ -7,6 +7,9 @@
 #include "gui/window/StatusDisplay.h"
 #include "gui/window/UserDialogs.h"
 #include "gui/window/WindowHost.h"
+#include "export/ExportCommands.h"
+#include "gui/dialogs/TfAbout.h"
+#include "gui/dialogs/TfGET_PARAM.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 
 #include <QAction>
@@ -28,15 +31,13 @@
 #include <QToolBar>
 #include <QToolButton>
 
+using namespace Qt::StringLiterals;
+
 namespace {
-QString Text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 QString NotBuiltYet()
 {
-    return Text("Polecenie nie jest jeszcze dostępne w tej wersji programu");
+    return u"Polecenie nie jest jeszcze dostępne w tej wersji programu"_s;
 }
 
 // A new widget carrying its name, so that tests and tools find it.
@@ -51,9 +52,9 @@ template <class Widget, class... Args> Widget* Named(const char* name, Args&&...
 QString PlaceholderCaption(int slot)
 {
     if (slot == 0)
-        return Text("Ogółem");
-    const QString number = QStringLiteral("%1").arg(slot, 3, 10, QLatin1Char('0'));
-    return slot == 1 ? QStringLiteral("XXXX ") + number : number;
+        return u"Ogółem"_s;
+    const QString number = u"%1"_s.arg(slot, 3, 10, QLatin1Char('0'));
+    return slot == 1 ? u"XXXX "_s + number : number;
 }
 } // namespace
 
@@ -61,8 +62,8 @@ TfHalvarnMain::TfHalvarnMain(DataFolder folder, RegistryConfig registry, std::un
                              QWidget* parent)
     : QMainWindow(parent), folder_(std::move(folder)), dialogs_(std::move(dialogs)), registryConfig_(std::move(registry))
 {
-    setObjectName(QStringLiteral("fHalvarnMain"));
-    setWindowTitle(Text("Fernhill Halvarn Bydła"));
+    setObjectName(u"fHalvarnMain"_s);
+    setWindowTitle(u"Fernhill Halvarn Bydła"_s);
     if (!dialogs_)
         dialogs_ = std::make_unique<ModalDialogs>(this);
     host_ = std::make_unique<WindowHost>(*dialogs_);
@@ -78,7 +79,7 @@ TfHalvarnMain::TfHalvarnMain(DataFolder folder, RegistryConfig registry, std::un
     layout->addWidget(buildErrorGroup());
     layout->addWidget(buildPages(), 1);
     spareDate_ = Named<QDateEdit>("cxDateEdit1", central);
-    spareDate_->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
+    spareDate_->setDisplayFormat(u"dd.MM.yyyy"_s);
     spareDate_->hide();
     setCentralWidget(central);
     addToolBar(static_cast<QToolBar*>(buildCommandBar()));
@@ -111,22 +112,26 @@ TfHalvarnMain::~TfHalvarnMain()
 
 QWidget* TfHalvarnMain::buildCommandBar()
 {
-    auto* bar = Named<QToolBar>("dxBarManager1Bar1", Text("Polecenia"), this);
+    auto* bar = Named<QToolBar>("dxBarManager1Bar1", u"Polecenia"_s, this);
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    addCommand(bar, "dxBarButton3", Text("Export rozczytanych zwierząt"), true);
-    addCommand(bar, "dxBarButton2", Text("Export grup technologicznych"), true);
-    addCommand(bar, "dxBarButton4", Text("Wydruk rozczytanych zwierząt"), false);
-    addCommand(bar, "dxBarButton5", Text("Wydruk grup technologicznych"), false);
+    connect(addCommand(bar, "dxBarButton3", u"Export rozczytanych zwierząt"_s, true), &QAction::triggered, this,
+            [this] { runExport(&ExportCommands::exportHerdAnimals); });
+    connect(addCommand(bar, "dxBarButton2", u"Export grup technologicznych"_s, true), &QAction::triggered, this,
+            [this] { runExport(&ExportCommands::exportHerdGroups); });
+    addCommand(bar, "dxBarButton4", u"Wydruk rozczytanych zwierząt"_s, false);
+    addCommand(bar, "dxBarButton5", u"Wydruk grup technologicznych"_s, false);
 
-    auto* menu = Named<QMenu>("dxBarSubItem1", Text("Ustawienia"), bar);
+    auto* menu = Named<QMenu>("dxBarSubItem1", u"Ustawienia"_s, bar);
     menu->setToolTipsVisible(true);
-    addCommand(menu, "dxBarButton6", Text("Parametry"), true);
+    connect(addCommand(menu, "dxBarButton6", u"Parametry"_s, true), &QAction::triggered, this,
+            [this] { OpenParameters(folder_.settingsFile(), folder_.exportFolder(), this); });
     menu->addSeparator();
-    addCommand(menu, "dxBarButton7", Text("O programie"), true);
+    connect(addCommand(menu, "dxBarButton7", u"O programie"_s, true), &QAction::triggered, this,
+            [this] { ShowAbout(folder_.settingsFile(), this); });
     auto* settings = Named<QToolButton>("dxBarSubItem1Button", bar);
-    settings->setText(Text("Ustawienia"));
-    settings->setToolTip(Text("Ustawienia"));
+    settings->setText(u"Ustawienia"_s);
+    settings->setToolTip(u"Ustawienia"_s);
     settings->setMenu(menu);
     settings->setPopupMode(QToolButton::InstantPopup);
     bar->addWidget(settings);
@@ -162,14 +167,14 @@ QPushButton* TfHalvarnMain::addButton(const char* name, const QString& caption, 
 
 QGroupBox* TfHalvarnMain::buildLoginGroup()
 {
-    auto* group = Named<QGroupBox>("lcgLogowanie", Text("Dane do logowania"), this);
+    auto* group = Named<QGroupBox>("lcgLogowanie", u"Dane do logowania"_s, this);
     group->setMinimumWidth(440);
     edUser = Named<QLineEdit>("edUser", group);
     edPassword = Named<QLineEdit>("edPassword", group);
     edPassword->setEchoMode(QLineEdit::Password);
     auto* reveal = Named<QToolButton>("edPasswordEllipsis", group);
-    reveal->setText(QStringLiteral("…"));
-    reveal->setToolTip(Text("Pokaż lub ukryj hasło"));
+    reveal->setText(u"…"_s);
+    reveal->setToolTip(u"Pokaż lub ukryj hasło"_s);
     connect(reveal, &QToolButton::clicked, this, [this] {
         const bool hidden = edPassword->echoMode() == QLineEdit::Password;
         edPassword->setEchoMode(hidden ? QLineEdit::Normal : QLineEdit::Password);
@@ -181,17 +186,17 @@ QGroupBox* TfHalvarnMain::buildLoginGroup()
     edNumerProducenta->setMaxLength(9);
     // The number goes into the registry's query strings and into file names.
     edNumerProducenta->setValidator(
-        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]{0,9}")), edNumerProducenta));
+        new QRegularExpressionValidator(QRegularExpression(u"[0-9]{0,9}"_s), edNumerProducenta));
     edNazwa = Named<QLineEdit>("edNazwa", group);
     // The name belongs to the number it came with.
     connect(edNumerProducenta, &QLineEdit::textChanged, edNazwa, &QLineEdit::clear);
 
     auto* form = new QFormLayout(group);
-    form->addRow(QStringLiteral("Login"), edUser);
-    form->addRow(Text("Hasło"), password);
-    form->addRow(Text("Nr producenta (bez PL)"), edNumerProducenta);
-    form->addRow(QStringLiteral("Nazwa"), edNazwa);
-    form->addRow(QString(), addButton("cxButton6", Text("Wybór producenta"), false));
+    form->addRow(u"Login"_s, edUser);
+    form->addRow(u"Hasło"_s, password);
+    form->addRow(u"Nr producenta (bez PL)"_s, edNumerProducenta);
+    form->addRow(u"Nazwa"_s, edNazwa);
+    form->addRow(QString(), addButton("cxButton6", u"Wybór producenta"_s, false));
     for (QWidget* field : {static_cast<QWidget*>(edUser), static_cast<QWidget*>(edPassword),
                            static_cast<QWidget*>(edNumerProducenta), static_cast<QWidget*>(edNazwa)})
         lockedWhileRunning_.push_back(field);
@@ -200,15 +205,15 @@ QGroupBox* TfHalvarnMain::buildLoginGroup()
 
 QGroupBox* TfHalvarnMain::buildHalvarnGroup()
 {
-    auto* group = Named<QGroupBox>("lcgHalvarn", Text("Dane do halvarnu"), this);
+    auto* group = Named<QGroupBox>("lcgHalvarn", u"Dane do halvarnu"_s, this);
     group->setMinimumWidth(440);
     edStanDanychNaDzien = Named<DateField>("edStanDanychNaDzien", group);
     edHalvarnNaDzien = Named<DateField>("edHalvarnNaDzien", group);
 
-    auto* kinds = Named<QGroupBox>("lcgHalvarnRodzaje", QStringLiteral("Halvarn"), group);
-    edHalvOpasow = Named<QCheckBox>("edHalvOpasow", Text("opasów"), kinds);
-    edHalvKrowMamek = Named<QCheckBox>("edHalvKrowMamek", Text("krów mamek"), kinds);
-    edHalvKrow = Named<QCheckBox>("edHalvKrow", Text("krów mlecznych"), kinds);
+    auto* kinds = Named<QGroupBox>("lcgHalvarnRodzaje", u"Halvarn"_s, group);
+    edHalvOpasow = Named<QCheckBox>("edHalvOpasow", u"opasów"_s, kinds);
+    edHalvKrowMamek = Named<QCheckBox>("edHalvKrowMamek", u"krów mamek"_s, kinds);
+    edHalvKrow = Named<QCheckBox>("edHalvKrow", u"krów mlecznych"_s, kinds);
     auto* ticks = new QHBoxLayout;
     for (QCheckBox* box : {edHalvOpasow, edHalvKrowMamek, edHalvKrow}) {
         box->setChecked(true);
@@ -216,12 +221,14 @@ QGroupBox* TfHalvarnMain::buildHalvarnGroup()
         lockedWhileRunning_.push_back(box);
     }
     ticks->addStretch();
-    auto* download = addButton("cxButton1", Text("Pobieranie danych"), true);
+    auto* download = addButton("cxButton1", u"Pobieranie danych"_s, true);
     download->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
     download->setDefault(true);
-    auto* clear = addButton("cxButton2", Text("Czyszczenie danych"), true);
+    connect(download, &QPushButton::clicked, this, &TfHalvarnMain::cxButton1Click);
+    auto* clear = addButton("cxButton2", u"Czyszczenie danych"_s, true);
     clear->setIcon(style()->standardIcon(QStyle::SP_DialogResetButton));
-    cancelButton_ = Named<QPushButton>("cxButtonPrzerwij", Text("Przerwij"), kinds);
+    connect(clear, &QPushButton::clicked, this, &TfHalvarnMain::cxButton2Click);
+    cancelButton_ = Named<QPushButton>("cxButtonPrzerwij", u"Przerwij"_s, kinds);
     cancelButton_->setIcon(style()->standardIcon(QStyle::SP_BrowserStop));
     cancelButton_->hide();
     auto* buttons = new QHBoxLayout;
@@ -234,8 +241,8 @@ QGroupBox* TfHalvarnMain::buildHalvarnGroup()
     kindsLayout->addLayout(buttons);
 
     auto* form = new QFormLayout(group);
-    form->addRow(Text("Stan zwierząt na dzień"), edStanDanychNaDzien);
-    form->addRow(QStringLiteral("Halvarn na dzień"), edHalvarnNaDzien);
+    form->addRow(u"Stan zwierząt na dzień"_s, edStanDanychNaDzien);
+    form->addRow(u"Halvarn na dzień"_s, edHalvarnNaDzien);
     form->addRow(kinds);
     lockedWhileRunning_.push_back(edStanDanychNaDzien);
     lockedWhileRunning_.push_back(edHalvarnNaDzien);
@@ -244,7 +251,7 @@ QGroupBox* TfHalvarnMain::buildHalvarnGroup()
 
 QGroupBox* TfHalvarnMain::buildErrorGroup()
 {
-    lcErrors = Named<QGroupBox>("lcErrors", Text("Błąd"), this);
+    lcErrors = Named<QGroupBox>("lcErrors", u"Błąd"_s, this);
     mErrors = Named<QPlainTextEdit>("mErrors", lcErrors);
     mErrors->setReadOnly(true);
     mErrors->setMaximumHeight(64);
@@ -258,7 +265,7 @@ QTabWidget* TfHalvarnMain::buildPages()
     pages_ = Named<QTabWidget>("cxPageControl1", this);
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
         QWidget* page = slot == 0 ? buildSummaryPage() : buildHerdPage(slot);
-        page->setObjectName(QStringLiteral("tsStado") + SlotSuffix(slot));
+        page->setObjectName(u"tsStado"_s + SlotSuffix(slot));
         slotViews_[static_cast<std::size_t>(slot)].TabSheet = page;
         pages_->addTab(page, PlaceholderCaption(slot));
     }
@@ -268,7 +275,7 @@ QTabWidget* TfHalvarnMain::buildPages()
     mLoaded->setLineWrapMode(QPlainTextEdit::NoWrap);
     auto* layout = new QVBoxLayout(tsPobraneDane);
     layout->addWidget(mLoaded);
-    pages_->addTab(tsPobraneDane, QStringLiteral("Pobrane dane"));
+    pages_->addTab(tsPobraneDane, u"Pobrane dane"_s);
     return pages_;
 }
 
@@ -278,7 +285,7 @@ QSplitter* HerdSplitter(QWidget* animals, TableGrid* groups, QWidget* parent)
 {
     auto* splitter = new QSplitter(Qt::Horizontal, parent);
     splitter->addWidget(animals);
-    auto* groupsBox = new QGroupBox(QStringLiteral("Grupy technologiczne"), splitter);
+    auto* groupsBox = new QGroupBox(u"Grupy technologiczne"_s, splitter);
     auto* layout = new QVBoxLayout(groupsBox);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->addWidget(groups);
@@ -316,13 +323,15 @@ QWidget* TfHalvarnMain::buildSummaryButtons()
     auto* layout = new QHBoxLayout(panel);
     layout->setContentsMargins(0, 1, 0, 1);
     layout->setSpacing(0);
-    auto* useChange = addButton("cxButton3", Text("Zmiana kierunku użytkowania"), false);
+    auto* useChange = addButton("cxButton3", u"Zmiana kierunku użytkowania"_s, false);
     useChange->setIcon(style()->standardIcon(QStyle::SP_BrowserReload));
-    auto* xls = addButton("cxButton4", QStringLiteral("Export XLS"), true);
+    auto* xls = addButton("cxButton4", u"Export XLS"_s, true);
     xls->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
-    auto* csv = addButton("cxButton7", QStringLiteral("Export CSV"), true);
+    connect(xls, &QPushButton::clicked, this, [this] { runExport(&ExportCommands::exportSummaryXls); });
+    auto* csv = addButton("cxButton7", u"Export CSV"_s, true);
     csv->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
-    auto* print = addButton("cxButton5", QStringLiteral("Wydruk"), false);
+    connect(csv, &QPushButton::clicked, this, [this] { runExport(&ExportCommands::exportSummaryCsv); });
+    auto* print = addButton("cxButton5", u"Wydruk"_s, false);
     print->setIcon(style()->standardIcon(QStyle::SP_FileDialogDetailedView));
     for (QPushButton* button : {useChange, xls, csv, print})
         layout->addWidget(button);
@@ -335,9 +344,9 @@ QWidget* TfHalvarnMain::buildHerdPage(int slot)
     auto* page = new QWidget(this);
     WorkingTables& tables = session_->tables();
     auto* animals = new TableGrid(tables.mdRZ(slot), GridKind::HerdAnimals, page);
-    animals->setObjectName(QStringLiteral("gridRZ") + SlotSuffix(slot));
+    animals->setObjectName(u"gridRZ"_s + SlotSuffix(slot));
     auto* groups = new TableGrid(tables.mdGT(slot), GridKind::Groups, page);
-    groups->setObjectName(QStringLiteral("gridTG") + SlotSuffix(slot));
+    groups->setObjectName(u"gridTG"_s + SlotSuffix(slot));
     HerdSlotView& view = slotViews_[static_cast<std::size_t>(slot)];
     view.AnimalsGrid = animals;
     view.GroupsGrid = groups;

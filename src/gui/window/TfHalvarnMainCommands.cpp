@@ -1,7 +1,5 @@
 // The commands of the main window: each reads the fields, runs the core's
 // operation with the window as its host and shows the result.
-#include "gui/dialogs/TfAbout.h"
-#include "gui/dialogs/TfGET_PARAM.h"
 #include "core/session/HalvarnSession.h"
 #include "gui/window/DateField.h"
 #include "gui/window/TfHalvarnMain.h"
@@ -20,24 +18,15 @@
 
 #include <exception>
 
+using namespace Qt::StringLiterals;
+
 void TfHalvarnMain::connectCommands()
 {
-    const auto action = [this](const char* name) { return findChild<QAction*>(QLatin1String(name)); };
-    const auto button = [this](const char* name) { return findChild<QPushButton*>(QLatin1String(name)); };
-    connect(button("cxButton1"), &QPushButton::clicked, this, &TfHalvarnMain::cxButton1Click);
-    connect(button("cxButton2"), &QPushButton::clicked, this, &TfHalvarnMain::cxButton2Click);
     connect(cancelButton_, &QPushButton::clicked, this, &TfHalvarnMain::cancelOperation);
     connect(pages_, &QTabWidget::currentChanged, this, [this] {
         if (pages_->currentWidget() == tsPobraneDane)
             host_->showLoaded();
     });
-    connect(button("cxButton4"), &QPushButton::clicked, this, [this] { runExport(&ExportCommands::exportSummaryXls); });
-    connect(button("cxButton7"), &QPushButton::clicked, this, [this] { runExport(&ExportCommands::exportSummaryCsv); });
-    connect(action("dxBarButton3"), &QAction::triggered, this, [this] { runExport(&ExportCommands::exportHerdAnimals); });
-    connect(action("dxBarButton2"), &QAction::triggered, this, [this] { runExport(&ExportCommands::exportHerdGroups); });
-    connect(action("dxBarButton6"), &QAction::triggered, this,
-            [this] { OpenParameters(folder_.settingsFile(), folder_.exportFolder(), this); });
-    connect(action("dxBarButton7"), &QAction::triggered, this, [this] { ShowAbout(folder_.settingsFile(), this); });
 }
 
 void TfHalvarnMain::fillLogin(const QString& login, const QString& password, const QString& producerNumber)
@@ -122,7 +111,7 @@ void TfHalvarnMain::runOperation(const std::function<void()>& operation, bool ca
     } catch (const std::exception& error) {
         if (session_->busy())
             session_->EndLongOperation();
-        dialogs_->message(QString::fromUtf8("Błąd"), QString::fromUtf8(error.what()), MessageIcon::Error);
+        dialogs_->message(u"Błąd"_s, QString::fromUtf8(error.what()), MessageIcon::Error);
     }
     setRunning(false, cancellable);
     if (closeWhenDone_) {
@@ -157,7 +146,7 @@ void TfHalvarnMain::showHerdTabs()
         if (slot == 0 || !herd.Visible)
             continue;
         const bool incomplete = !herd.Incomplete.isEmpty();
-        pages_->setTabText(index, incomplete ? herd.Code + QString::fromUtf8(" (niepełne)") : herd.Code);
+        pages_->setTabText(index, incomplete ? herd.Code + u" (niepełne)"_s : herd.Code);
         pages_->setTabToolTip(index, herd.Incomplete);
     }
 }

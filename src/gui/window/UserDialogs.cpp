@@ -8,6 +8,8 @@
 #include <QPushButton>
 #include <QUrl>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QMessageBox::Icon BoxIcon(MessageIcon icon)
 {
@@ -34,8 +36,8 @@ void ModalDialogs::message(const QString& caption, const QString& text, MessageI
 bool ModalDialogs::question(const QString& caption, const QString& text)
 {
     QMessageBox box(QMessageBox::Question, caption, text, QMessageBox::Yes | QMessageBox::No, parent_);
-    box.button(QMessageBox::Yes)->setText(QStringLiteral("Tak"));
-    box.button(QMessageBox::No)->setText(QStringLiteral("Nie"));
+    box.button(QMessageBox::Yes)->setText(u"Tak"_s);
+    box.button(QMessageBox::No)->setText(u"Nie"_s);
     return box.exec() == QMessageBox::Yes;
 }
 
@@ -50,6 +52,6 @@ std::optional<QString> ModalDialogs::herd()
 void ModalDialogs::openFile(const QString& path)
 {
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        message(QString::fromUtf8("Błąd..."), QString::fromUtf8("Nie można otworzyć pliku: ") + path,
+        message(u"Błąd..."_s, u"Nie można otworzyć pliku: "_s + path,
                 MessageIcon::Error);
 }

@@ -9,6 +9,8 @@
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 struct WindowOptions {
     bool demo = false;
@@ -18,13 +20,13 @@ struct WindowOptions {
 WindowOptions ParseOptions(const QApplication& app)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QString::fromUtf8("Halvarn – grupy technologiczne bydła z rejestru IRZplus"));
+    parser.setApplicationDescription(u"Halvarn – grupy technologiczne bydła z rejestru IRZplus"_s);
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption demo(QStringLiteral("demo"),
-                                  QString::fromUtf8("wbudowany symulator rejestru z producentem demonstracyjnym"));
-    const QCommandLineOption dataDir(QStringLiteral("data-dir"), QString::fromUtf8("folder danych programu"),
-                                     QStringLiteral("DIR"));
+    const QCommandLineOption demo(u"demo"_s,
+                                  u"wbudowany symulator rejestru z producentem demonstracyjnym"_s);
+    const QCommandLineOption dataDir(u"data-dir"_s, u"folder danych programu"_s,
+                                     u"DIR"_s);
     parser.addOptions({demo, dataDir});
     parser.process(app);
     return {parser.isSet(demo), parser.value(dataDir)};
@@ -32,7 +34,7 @@ WindowOptions ParseOptions(const QApplication& app)
 
 void Refuse(const QString& text)
 {
-    QMessageBox::critical(nullptr, QString::fromUtf8("Błąd..."), text);
+    QMessageBox::critical(nullptr, u"Błąd..."_s, text);
 }
 } // namespace
 
@@ -44,7 +46,7 @@ int main(int argc, char* argv[])
 
     const DataFolder folder(DataFolder::resolve(options.dataDir));
     if (!folder.prepare()) {
-        Refuse(QString::fromUtf8("Nie można utworzyć folderu danych: ") + folder.root());
+        Refuse(u"Nie można utworzyć folderu danych: "_s + folder.root());
         return 1;
     }
     RegistryConfig registry = RegistryConfig::read(IniFile(folder.settingsFile()));
@@ -53,7 +55,7 @@ int main(int argc, char* argv[])
     if (options.demo) {
         simulator = StartDemoRegistry(demo);
         if (!simulator) {
-            Refuse(QString::fromUtf8("Nie można uruchomić symulatora rejestru"));
+            Refuse(u"Nie można uruchomić symulatora rejestru"_s);
             return 1;
         }
         registry.ssoBase = registry.apiBase = simulator->baseUrl();

@@ -8,13 +8,11 @@
 #include <QNetworkReply>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 constexpr int CancelPollMs = 50;
 
-QString Text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 bool SameOrigin(const QUrl& a, const QUrl& b)
 {
@@ -33,25 +31,25 @@ QString TransportWords(QNetworkReply::NetworkError error)
 {
     switch (error) {
     case QNetworkReply::TimeoutError:
-        return Text("Przekroczono czas oczekiwania na odpowiedź serwera");
+        return u"Przekroczono czas oczekiwania na odpowiedź serwera"_s;
     case QNetworkReply::RemoteHostClosedError:
     case QNetworkReply::OperationCanceledError:
-        return Text("Połączenie zostało przerwane");
+        return u"Połączenie zostało przerwane"_s;
     case QNetworkReply::SslHandshakeFailedError:
-        return Text("Nie udało się nawiązać bezpiecznego połączenia z serwerem");
+        return u"Nie udało się nawiązać bezpiecznego połączenia z serwerem"_s;
     case QNetworkReply::TooManyRedirectsError:
-        return Text("Serwer przekierowuje zapytanie zbyt wiele razy");
+        return u"Serwer przekierowuje zapytanie zbyt wiele razy"_s;
     case QNetworkReply::InsecureRedirectError:
-        return Text("Serwer przekierował zapytanie pod niedozwolony adres");
+        return u"Serwer przekierował zapytanie pod niedozwolony adres"_s;
     case QNetworkReply::ConnectionRefusedError:
     case QNetworkReply::HostNotFoundError:
     case QNetworkReply::TemporaryNetworkFailureError:
     case QNetworkReply::NetworkSessionFailedError:
     case QNetworkReply::UnknownNetworkError:
-        return Text("Brak połączenia z serwerem");
+        return u"Brak połączenia z serwerem"_s;
     default:
-        return error < QNetworkReply::ContentAccessDenied ? Text("Brak połączenia z serwerem")
-                                                          : Text("Błąd komunikacji z serwerem");
+        return error < QNetworkReply::ContentAccessDenied ? u"Brak połączenia z serwerem"_s
+                                                          : u"Błąd komunikacji z serwerem"_s;
     }
 }
 
@@ -68,7 +66,7 @@ void CollectMessages(const QJsonValue& value, QStringList& messages, int depth)
     const QString message = object.value(u"komunikat").toString();
     if (!message.isEmpty()) {
         const QString code = object.value(u"kodBledu").toString();
-        messages.append(code.isEmpty() ? message : code + QStringLiteral(": ") + message);
+        messages.append(code.isEmpty() ? message : code + u": "_s + message);
         return;
     }
     for (const QJsonValue& member : object)
@@ -80,7 +78,7 @@ QString RegistryMessageIn(const QByteArray& body)
 {
     QStringList messages;
     CollectMessages(QJsonDocument::fromJson(body).object(), messages, 0);
-    return messages.join(QStringLiteral("; "));
+    return messages.join(u"; "_s);
 }
 
 HttpExchange::HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRequest request,
@@ -211,7 +209,7 @@ void HttpExchange::collect()
     result_.status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (result_.status > 0) {
         const QString reason = reply_->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
-        result_.statusLine = QStringLiteral("HTTP/1.1 %1 %2").arg(result_.status).arg(reason).trimmed();
+        result_.statusLine = u"HTTP/1.1 %1 %2"_s.arg(result_.status).arg(reason).trimmed();
     }
     result_.cancelled = abort_ == Abort::Cancelled;
     if (abort_ != Abort::None || !OnlyAnHttpStatus(reply_->error(), result_.status)) {
@@ -219,7 +217,7 @@ void HttpExchange::collect()
         result_.body.clear();
     } else if (result_.status < 200 || (result_.status >= 300 && result_.status < 400)) {
         // A redirect left at the end of the chain, or no final answer at all.
-        result_.failure = Text("Nie udało się podążyć za przekierowaniem serwera (%1)").arg(result_.statusLine);
+        result_.failure = u"Nie udało się podążyć za przekierowaniem serwera (%1)"_s.arg(result_.statusLine);
         result_.body.clear();
     }
 }
@@ -229,20 +227,20 @@ QString HttpExchange::failureText() const
     const QString address = reply_->url().toString(QUrl::RemoveUserInfo | QUrl::RemoveQuery);
     switch (abort_) {
     case Abort::Cancelled:
-        return Text("Przerwano na żądanie użytkownika");
+        return u"Przerwano na żądanie użytkownika"_s;
     case Abort::TimedOut:
-        return Text("Przekroczono czas oczekiwania na odpowiedź serwera (%1 s): %2")
+        return u"Przekroczono czas oczekiwania na odpowiedź serwera (%1 s): %2"_s
             .arg(rules_.timeoutMs / 1000.0)
             .arg(address);
     case Abort::TooLarge:
-        return Text("Odpowiedź serwera przekracza dopuszczalny rozmiar %1 MB: %2")
+        return u"Odpowiedź serwera przekracza dopuszczalny rozmiar %1 MB: %2"_s
             .arg(static_cast<double>(rules_.maxAnswerBytes) / (1 << 20))
             .arg(address);
     case Abort::RedirectRefused:
-        return Text("Serwer przekierował zapytanie pod inny adres (%1); nie wysłano tam danych logowania")
+        return u"Serwer przekierował zapytanie pod inny adres (%1); nie wysłano tam danych logowania"_s
             .arg(refusedTarget_);
     case Abort::None:
         break;
     }
-    return TransportWords(reply_->error()) + QStringLiteral(" (%1): %2").arg(reply_->errorString(), address);
+    return TransportWords(reply_->error()) + u" (%1): %2"_s.arg(reply_->errorString(), address);
 }

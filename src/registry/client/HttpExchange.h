@@ -1,5 +1,7 @@
 #pragma once
 
+#include "framework/HalvarnError.h"
+
 #include <QByteArray>
 #include <QNetworkRequest>
 #include <QString>
@@ -7,7 +9,8 @@
 
 #include <functional>
 #include <memory>
-#include <stdexcept>
+
+using namespace Qt::StringLiterals;
 
 class QNetworkAccessManager;
 class QNetworkReply;
@@ -15,16 +18,15 @@ class QTimer;
 
 // A failure of the transport, not an HTTP status: no connection, a time-out, a
 // refused redirect, an answer too large. It ends the operation that was asking.
-class RegistryError : public std::runtime_error {
+class RegistryError : public HalvarnError {
 public:
-    explicit RegistryError(const QString& message) : std::runtime_error(message.toStdString()) {}
-    QString message() const { return QString::fromUtf8(what()); }
+    using HalvarnError::HalvarnError;
 };
 
 // The user asked to stop while a request was waited for; the request is aborted.
 class RequestCancelled : public RegistryError {
 public:
-    RequestCancelled() : RegistryError(QStringLiteral("Przerwano na żądanie użytkownika")) {}
+    RequestCancelled() : RegistryError(u"Przerwano na żądanie użytkownika"_s) {}
 };
 
 // What every request of one client shares.

@@ -2,12 +2,14 @@
 
 #include "framework/IniFile.h"
 
+using namespace Qt::StringLiterals;
+
 RegistryConfig RegistryConfig::read(const IniFile& settings)
 {
-    const QString section = QStringLiteral("IRZ");
+    const QString section = u"IRZ"_s;
     RegistryConfig config;
-    config.ssoBase = settings.readString(section, QStringLiteral("SsoBase"), config.ssoBase);
-    config.apiBase = settings.readString(section, QStringLiteral("ApiBase"), config.apiBase);
+    config.ssoBase = settings.readString(section, u"SsoBase"_s, config.ssoBase);
+    config.apiBase = settings.readString(section, u"ApiBase"_s, config.apiBase);
     const auto bounded = [&](const char* key, int defaultValue, int most) {
         return settings.readInteger(section, QLatin1String(key), defaultValue, {1, most}, config.problems);
     };

@@ -3,12 +3,14 @@
 #include <QString>
 #include <QStringList>
 
+using namespace Qt::StringLiterals;
+
 class IniFile;
 
 // Where the registry is and how it is asked; section "IRZ" of the settings file.
 struct RegistryConfig {
-    QString ssoBase = QStringLiteral("https://sso.arimr.gov.pl");
-    QString apiBase = QStringLiteral("https://irz.arimr.gov.pl");
+    QString ssoBase = u"https://sso.arimr.gov.pl"_s;
+    QString apiBase = u"https://irz.arimr.gov.pl"_s;
     int maxParallelRequests = 8; // single-animal requests kept in flight; 1 = one after another
     int getTimeoutMs = 150'000;
     int postTimeoutMs = 450'000;

@@ -9,22 +9,20 @@
 #include <QNetworkInformation>
 #include <QUrl>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QString DateText(TDateTime value)
 {
     return ToDate(value).toString(u"yyyy-MM-dd");
 }
 
-QString Text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 // The registry's own words first, when its error answer has them.
 QString StatusAndMessage(const HttpResult& result)
 {
     const QString message = RegistryMessageIn(result.body);
-    return message.isEmpty() ? result.statusLine : message + QStringLiteral(" (") + result.statusLine + u')';
+    return message.isEmpty() ? result.statusLine : message + u" ("_s + result.statusLine + u')';
 }
 
 bool IsLoopback(const QString& base)
@@ -65,24 +63,24 @@ bool TdmIRZ_PLUS::connected() const
 
 bool TdmIRZ_PLUS::Authorize(const QString& login, const QString& password)
 {
-    const QString caption = Text("Bład...");
-    const QString failed = Text("Autoryzacja zakończona z błędem: ");
+    const QString caption = u"Bład..."_s;
+    const QString failed = u"Autoryzacja zakończona z błędem: "_s;
     for (const QString& base : {config_.ssoBase, config_.apiBase}) {
         if (!SafeToSendSecrets(base)) {
-            host_.showMessage(caption, failed + Text("adres serwera musi zaczynać się od https:// (%1)").arg(base),
+            host_.showMessage(caption, failed + u"adres serwera musi zaczynać się od https:// (%1)"_s.arg(base),
                               MessageIcon::Error);
             return false;
         }
     }
     if (!connected()) {
-        host_.showMessage(caption, Text("Program nie ma dostępu do internetu"), MessageIcon::Error);
+        host_.showMessage(caption, u"Program nie ma dostępu do internetu"_s, MessageIcon::Error);
         return false;
     }
     const QString failure = requestToken(login, password);
     if (failure.isNull())
         return true;
     if (failure == u"Unauthorized")
-        host_.showMessage(caption, Text("Brak autoryzacji (Być może niepoprawny login/hasło)"), MessageIcon::Error);
+        host_.showMessage(caption, u"Brak autoryzacji (Być może niepoprawny login/hasło)"_s, MessageIcon::Error);
     else if (!failure.isEmpty())
         host_.showMessage(caption, failed + failure, MessageIcon::Error);
     return false;
@@ -92,32 +90,32 @@ bool TdmIRZ_PLUS::Authorize(const QString& login, const QString& password)
 QString TdmIRZ_PLUS::requestToken(const QString& login, const QString& password)
 {
     // The values go in as typed, without percent-encoding.
-    const QString body = QStringLiteral("username=") + login + u'&' + QStringLiteral("password=") + password + u'&' +
-                         QStringLiteral("client_id=aplikacja-irzplus") + u'&' + QStringLiteral("grant_type=password");
-    QNetworkRequest request(QUrl(config_.ssoBase + QStringLiteral("/auth/realms/ewniosekplus/protocol/openid-connect/token")));
-    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/x-www-form-urlencoded"));
+    const QString body = u"username="_s + login + u'&' + u"password="_s + password + u'&' +
+                         u"client_id=aplikacja-irzplus"_s + u'&' + u"grant_type=password"_s;
+    QNetworkRequest request(QUrl(config_.ssoBase + u"/auth/realms/ewniosekplus/protocol/openid-connect/token"_s));
+    request.setHeader(QNetworkRequest::ContentTypeHeader, u"application/x-www-form-urlencoded"_s);
     HttpExchange exchange(network_, HttpExchange::Verb::Post, request, body.toUtf8(), rules(config_.getTimeoutMs));
     const HttpResult& result = exchange.wait();
     if (result.cancelled)
-        return QStringLiteral("");
+        return u""_s;
     if (!result.failure.isEmpty())
         return result.failure;
     if (result.status == 401)
-        return QStringLiteral("Unauthorized");
+        return u"Unauthorized"_s;
     if (result.httpError())
         return StatusAndMessage(result);
     const QJsonValue token = QJsonDocument::fromJson(result.body).object().value(u"access_token");
     if (!token.isString() || token.toString().isEmpty())
-        return Text("odpowiedź serwera nie zawiera tokenu dostępu");
+        return u"odpowiedź serwera nie zawiera tokenu dostępu"_s;
     if (!PlainToken(token.toString()))
-        return Text("serwer zwrócił niepoprawny token dostępu");
+        return u"serwer zwrócił niepoprawny token dostępu"_s;
     Token = token.toString();
     return {};
 }
 
 QString TdmIRZ_PLUS::apiUrl(const QString& path, bool testBranch) const
 {
-    return config_.apiBase + path.arg(testBranch ? QStringLiteral("test") : QStringLiteral("prod"));
+    return config_.apiBase + path.arg(testBranch ? u"test"_s : u"prod"_s);
 }
 
 QNetworkRequest TdmIRZ_PLUS::apiRequest(const QString& url, bool jsonBody) const
@@ -127,7 +125,7 @@ QNetworkRequest TdmIRZ_PLUS::apiRequest(const QString& url, bool jsonBody) const
     request.setRawHeader("Accept", "application/json");
     request.setRawHeader("Authorization", "Bearer " + Token.toUtf8());
     if (jsonBody)
-        request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+        request.setHeader(QNetworkRequest::ContentTypeHeader, u"application/json"_s);
     return request;
 }
 
@@ -175,7 +173,7 @@ QString TdmIRZ_PLUS::post(const QString& url, const QByteArray& body)
     if (!result.failure.isEmpty())
         throw RegistryError(result.failure);
     if (result.httpError())
-        throw RegistryError(Text("Serwer zgłosił błąd: ") + StatusAndMessage(result));
+        throw RegistryError(u"Serwer zgłosił błąd: "_s + StatusAndMessage(result));
     return QString::fromUtf8(result.body);
 }
 
@@ -183,21 +181,21 @@ QString TdmIRZ_PLUS::ListHoldings(const QString& producerNumber, const QString& 
                                   const QString& holdingType, const QString& holdingState, bool testBranch)
 {
     OrderedJson body;
-    body.add(QStringLiteral("numerProducenta"), producerNumber);
+    body.add(u"numerProducenta"_s, producerNumber);
     if (!holdingNumber.isEmpty())
-        body.add(QStringLiteral("numerDzialalnosci"), holdingNumber);
+        body.add(u"numerDzialalnosci"_s, holdingNumber);
     if (!holdingType.isEmpty())
-        body.add(QStringLiteral("typDzialalnosci"), holdingType);
+        body.add(u"typDzialalnosci"_s, holdingType);
     if (!holdingState.isEmpty())
-        body.add(QStringLiteral("stanDzialalnosci"), holdingState);
-    return post(apiUrl(QStringLiteral("/api/dzialalnosci/api/%1/dzialalnosci"), testBranch), body.toJson());
+        body.add(u"stanDzialalnosci"_s, holdingState);
+    return post(apiUrl(u"/api/dzialalnosci/api/%1/dzialalnosci"_s, testBranch), body.toJson());
 }
 
 QString TdmIRZ_PLUS::ListAnimals(const QString& producerNumber, const QString& holdingNumber, const QString& species,
                                  const QString& animalNumber, const QString& sex, const QString& breed,
                                  const QString& useType, TDateTime stateDate, bool testBranch)
 {
-    QString query = QStringLiteral("?numerProducenta=") + producerNumber + QStringLiteral("&gatunek=") + species;
+    QString query = u"?numerProducenta="_s + producerNumber + u"&gatunek="_s + species;
     const auto optional = [&query](const char* key, const QString& value) {
         if (!value.isEmpty())
             query += u'&' + QLatin1String(key) + u'=' + value;
@@ -208,14 +206,14 @@ QString TdmIRZ_PLUS::ListAnimals(const QString& producerNumber, const QString& h
     optional("kodRasy", breed);
     optional("typUzytkowy", useType);
     if (stateDate > EmptyDate)
-        query += QStringLiteral("&stanDanych=") + DateText(stateDate);
-    return GetJson(apiUrl(QStringLiteral("/api/indywidualne/zwierze/api/%1/zwierzetaIndywidualne"), testBranch) + query);
+        query += u"&stanDanych="_s + DateText(stateDate);
+    return GetJson(apiUrl(u"/api/indywidualne/zwierze/api/%1/zwierzetaIndywidualne"_s, testBranch) + query);
 }
 
 QString TdmIRZ_PLUS::animalUrl(const QString& producerNumber, const QString& animalNumber, bool testBranch) const
 {
-    return apiUrl(QStringLiteral("/api/indywidualne/zwierze/api/%1/zwierzeIndywidualne"), testBranch) +
-           QStringLiteral("?numerProducenta=") + producerNumber + QStringLiteral("&numerIdentyfikacyjnyZwierzecia=") +
+    return apiUrl(u"/api/indywidualne/zwierze/api/%1/zwierzeIndywidualne"_s, testBranch) +
+           u"?numerProducenta="_s + producerNumber + u"&numerIdentyfikacyjnyZwierzecia="_s +
            animalNumber;
 }
 
@@ -227,14 +225,14 @@ QString TdmIRZ_PLUS::GetAnimal(const QString& producerNumber, const QString& ani
 QString TdmIRZ_PLUS::ListDocuments(const QString& producerNumber, const QString& documentNumber, TDateTime dateFrom,
                                    TDateTime dateTo, bool testBranch)
 {
-    QString query = QStringLiteral("?numerProducenta=") + producerNumber;
+    QString query = u"?numerProducenta="_s + producerNumber;
     if (!documentNumber.isEmpty())
-        query += QStringLiteral("&numerDokumentu=") + documentNumber;
+        query += u"&numerDokumentu="_s + documentNumber;
     if (dateFrom > EmptyDate)
-        query += QStringLiteral("&dataPrzyjeciaOd=") + DateText(dateFrom);
+        query += u"&dataPrzyjeciaOd="_s + DateText(dateFrom);
     if (dateTo > EmptyDate)
-        query += QStringLiteral("&dataPrzyjeciaDo=") + DateText(dateTo);
-    return GetJson(apiUrl(QStringLiteral("/api/dokumenty/dokument/api/%1/listaDokumentow"), testBranch) + query);
+        query += u"&dataPrzyjeciaDo="_s + DateText(dateTo);
+    return GetJson(apiUrl(u"/api/dokumenty/dokument/api/%1/listaDokumentow"_s, testBranch) + query);
 }
 
 QString TdmIRZ_PLUS::SubmitUseChange(const QString& producerNumber, const QString& organisationalUnit,
@@ -242,31 +240,31 @@ QString TdmIRZ_PLUS::SubmitUseChange(const QString& producerNumber, const QStrin
                                      const QString& animalNumber, const QString& useType,
                                      const QString& useDirection, bool testBranch)
 {
-    const QString kod = QStringLiteral("kod");
+    const QString kod = u"kod"_s;
     OrderedJson position;
-    position.add(QStringLiteral("lp"), QStringLiteral("1"));
-    position.add(QStringLiteral("numerIdentyfikacyjnyZwierzecia"), animalNumber);
+    position.add(u"lp"_s, u"1"_s);
+    position.add(u"numerIdentyfikacyjnyZwierzecia"_s, animalNumber);
     if (!useType.isEmpty())
-        position.add(QStringLiteral("typUzytkowy"), OrderedJson().add(kod, useType));
+        position.add(u"typUzytkowy"_s, OrderedJson().add(kod, useType));
     if (!useDirection.isEmpty())
-        position.add(QStringLiteral("kierunekUzytkowy"), OrderedJson().add(kod, useDirection));
-    const QString reason = !useType.isEmpty() && !useDirection.isEmpty() ? QStringLiteral("ZTK")
-                           : !useType.isEmpty()                         ? QStringLiteral("ZTU")
-                                                                        : QStringLiteral("ZKU");
-    position.add(QStringLiteral("celZmiany"), OrderedJson().add(kod, reason));
+        position.add(u"kierunekUzytkowy"_s, OrderedJson().add(kod, useDirection));
+    const QString reason = !useType.isEmpty() && !useDirection.isEmpty() ? u"ZTK"_s
+                           : !useType.isEmpty()                         ? u"ZTU"_s
+                                                                        : u"ZKU"_s;
+    position.add(u"celZmiany"_s, OrderedJson().add(kod, reason));
 
     OrderedJson notice;
-    notice.add(QStringLiteral("numerDzialalnosci"), holdingNumber);
-    notice.add(QStringLiteral("gatunek"), OrderedJson().add(kod, species));
-    notice.add(QStringLiteral("dataOkresleniaTypuIKierunkuUzytkowania"), DateText(date));
-    notice.addArray(QStringLiteral("pozycje"), {position});
+    notice.add(u"numerDzialalnosci"_s, holdingNumber);
+    notice.add(u"gatunek"_s, OrderedJson().add(kod, species));
+    notice.add(u"dataOkresleniaTypuIKierunkuUzytkowania"_s, DateText(date));
+    notice.addArray(u"pozycje"_s, {position});
 
     OrderedJson body;
-    body.add(QStringLiteral("numerProducenta"), producerNumber);
+    body.add(u"numerProducenta"_s, producerNumber);
     if (!organisationalUnit.isEmpty())
-        body.add(QStringLiteral("komorkaOrganizacyjna"), organisationalUnit);
-    body.add(QStringLiteral("zgloszenie"), notice);
-    return post(apiUrl(QStringLiteral("/api/indywidualne/dokument/api/%1/ztuku"), testBranch), body.toJson());
+        body.add(u"komorkaOrganizacyjna"_s, organisationalUnit);
+    body.add(u"zgloszenie"_s, notice);
+    return post(apiUrl(u"/api/indywidualne/dokument/api/%1/ztuku"_s, testBranch), body.toJson());
 }
 
 TdmIRZ_PLUS::AnimalQueue TdmIRZ_PLUS::animalQueue(const QString& producerNumber, QStringList animals, bool testBranch)

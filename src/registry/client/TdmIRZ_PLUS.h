@@ -9,10 +9,12 @@
 
 #include <deque>
 
+using namespace Qt::StringLiterals;
+
 class OperationHost;
 
 // An answer text that begins with this carries an HTTP error instead of a body.
-inline const QString ErrorMarker = QStringLiteral("\tERR\t");
+inline const QString ErrorMarker = u"\tERR\t"_s;
 
 // The registry client: logs in, then asks the registry with the token. GETs
 // turn HTTP errors, and answers broken after their status line, into the error

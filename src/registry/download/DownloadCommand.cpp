@@ -13,22 +13,33 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
 namespace {
 const char* const ActiveHerdState = "SDZA";
 
-QString Text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 QString ErrorCaption()
 {
-    return Text("Błąd...");
+    return u"Błąd..."_s;
 }
 
-QString AfterMarker(const QString& answer)
+// What the registry reported instead of data, in the words the user is shown:
+// an answer with the error marker, or an object with a "komunikat".
+std::optional<QString> RegistryFailure(const QString& answer)
 {
-    return answer.mid(answer.indexOf(ErrorMarker) + ErrorMarker.size());
+    if (!answer.contains(ErrorMarker))
+        return std::nullopt;
+    return u"Serwer zgłosił błąd: "_s + answer.mid(answer.indexOf(ErrorMarker) + ErrorMarker.size());
+}
+
+std::optional<QString> RegistryFailure(const QJsonObject& root)
+{
+    if (!root.contains(u"komunikat"))
+        return std::nullopt;
+    return u"Serwer zwrócił komunikat: "_s + root.value(u"komunikat").toString();
 }
 
 // A registry answer as a JSON object; an answer that is not JSON ends the command.
@@ -37,7 +48,7 @@ QJsonObject ParseAnswer(const QString& answer)
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(answer.toUtf8(), &error);
     if (!document.isObject())
-        throw RegistryError(Text("Odpowiedź serwera nie jest poprawnym obiektem JSON: ") + answer.left(200));
+        throw RegistryError(u"Odpowiedź serwera nie jest poprawnym obiektem JSON: "_s + answer.left(200));
     return document.object();
 }
 
@@ -52,7 +63,7 @@ int HerdSlot(const QString& code, const QString& holdingNumber)
     bool ok = false;
     const int slot = code.toInt(&ok);
     if (!ok)
-        throw RegistryError(Text("Numer stada \"%1\" działalności %2 nie jest liczbą").arg(code, holdingNumber));
+        throw RegistryError(u"Numer stada \"%1\" działalności %2 nie jest liczbą"_s.arg(code, holdingNumber));
     return slot;
 }
 } // namespace
@@ -82,17 +93,17 @@ DownloadOutcome DownloadCommand::run()
 DownloadOutcome DownloadCommand::download()
 {
     if (session_.ProducerNumber.isEmpty()) {
-        session_.host().showMessage(ErrorCaption(), Text("Nie podanu mumeru producenta"), MessageIcon::Error);
+        session_.host().showMessage(ErrorCaption(), u"Nie podanu mumeru producenta"_s, MessageIcon::Error);
         return DownloadOutcome::NotStarted;
     }
     if (session_.DataLoaded &&
-        !session_.host().askYesNo(Text("Pytanie"), Text("Są wczytane dane. Będą one usunięte. Czy kontynuować?")))
+        !session_.host().askYesNo(u"Pytanie"_s, u"Są wczytane dane. Będą one usunięte. Czy kontynuować?"_s))
         return DownloadOutcome::NotStarted;
     session_.ClearAllData();
     session_.BeginLongOperation();
     for (const QString& problem : registry_.config().problems)
         session_.appendError(problem);
-    activeHerds_ = herdsRead_ = incompleteHerds_ = bornAfterReference_ = 0;
+    activeHerds_ = incompleteHerds_ = bornAfterReference_ = 0;
     slotHolders_.fill(QString());
     DownloadOutcome outcome = DownloadOutcome::Stopped;
     try {
@@ -110,7 +121,7 @@ DownloadOutcome DownloadCommand::download()
     } catch (const RequestCancelled&) {
     } catch (const std::exception& error) {
         session_.EndLongOperation();
-        session_.host().showMessage(Text("Błąd"), QString::fromUtf8(error.what()), MessageIcon::Error);
+        session_.host().showMessage(u"Błąd"_s, QString::fromUtf8(error.what()), MessageIcon::Error);
         return DownloadOutcome::Stopped;
     }
     session_.EndLongOperation();
@@ -154,30 +165,30 @@ QString DownloadCommand::fail(const QString& text)
 
 bool DownloadCommand::readHerdList(OwningList<TStadoClass>& herds)
 {
-    session_.SetStatusText(StatusPanel::Step, QStringLiteral("Autoryzacja"));
+    session_.SetStatusText(StatusPanel::Step, u"Autoryzacja"_s);
     session_.stepProgress(1);
     if (!registry_.Authorize(session_.Login, session_.Password))
         return false;
-    session_.SetStatusText(StatusPanel::Step, QStringLiteral("Pobieranie listy stad"));
+    session_.SetStatusText(StatusPanel::Step, u"Pobieranie listy stad"_s);
     session_.stepProgress(1);
     const QString answer = registry_.ListHoldings(session_.ProducerNumber, {}, {}, {}, false);
-    if (answer.contains(ErrorMarker)) {
-        fail(Text("Serwer zgłosił błąd: ") + AfterMarker(answer));
+    if (const auto failure = RegistryFailure(answer)) {
+        fail(*failure);
         return false;
     }
     const QJsonObject root = ParseAnswer(answer);
-    if (root.contains(u"komunikat")) {
-        fail(Text("Serwer zwrócił komunikat: ") + root.value(u"komunikat").toString());
+    if (const auto failure = RegistryFailure(root)) {
+        fail(*failure);
         return false;
     }
     session_.DataLoaded = true;
-    session_.appendLoaded(QStringLiteral("dzialalnosc"));
-    ParseList<TStadoClass>(root, QStringLiteral("dzialalnosc"), herds);
+    session_.appendLoaded(u"dzialalnosc"_s);
+    ParseList<TStadoClass>(root, u"dzialalnosc"_s, herds);
     for (const auto& herd : herds) {
         if (herd->stanDzialalnosci.kod == QLatin1String(ActiveHerdState))
             ++activeHerds_;
         else
-            session_.appendError(Text("Nie aktywne stado: ") + herd->numerDzialalnosci);
+            session_.appendError(u"Nie aktywne stado: "_s + herd->numerDzialalnosci);
     }
     session_.setProgress(1, session_.progress(1).position, activeHerds_ + 2);
     return true;
@@ -190,7 +201,7 @@ void DownloadCommand::readHerd(const TStadoClass& herd, int index, WelfareAnalys
     if (herd.stanDzialalnosci.kod != QLatin1String(ActiveHerdState))
         return;
     if (read.slot < 1 || read.slot >= HerdSlotCount)
-        throw RegistryError(Text("Stado %1 (%2) nie mieści się w 20 zakładkach stad").arg(read.code, read.number));
+        throw RegistryError(u"Stado %1 (%2) nie mieści się w 20 zakładkach stad"_s.arg(read.code, read.number));
     if (!claimSlot(read))
         return;
     try {
@@ -216,7 +227,7 @@ bool DownloadCommand::claimSlot(const HerdRead& herd)
         return true;
     }
     ++incompleteHerds_;
-    session_.appendError(Text("Stado %1 (działalność %2) pominięte: ten sam numer stada ma działalność %3")
+    session_.appendError(u"Stado %1 (działalność %2) pominięte: ten sam numer stada ma działalność %3"_s
                              .arg(herd.code, herd.number, holder));
     return false;
 }
@@ -224,27 +235,26 @@ bool DownloadCommand::claimSlot(const HerdRead& herd)
 // Empty when the herd was read whole (or has no animals); otherwise why it ended early.
 QString DownloadCommand::readHerdAnimals(HerdRead& herd, int index, WelfareAnalysis& analysis)
 {
-    session_.SetStatusText(StatusPanel::Herd, QStringLiteral("Stado: ") + herd.code);
-    session_.SetStatusText(StatusPanel::Step, QStringLiteral("Pobieranie danych"));
+    session_.SetStatusText(StatusPanel::Herd, u"Stado: "_s + herd.code);
+    session_.SetStatusText(StatusPanel::Step, u"Pobieranie danych"_s);
     session_.stepProgress(1);
-    const QString answer = registry_.ListAnimals(session_.ProducerNumber, herd.number, QStringLiteral("BYD"), {}, {},
+    const QString answer = registry_.ListAnimals(session_.ProducerNumber, herd.number, u"BYD"_s, {}, {},
                                                  {}, {}, stateDate_, false);
     session_.appendLoaded(answer);
-    if (answer.contains(ErrorMarker))
-        return fail(Text("Serwer zgłosił błąd: ") + AfterMarker(answer));
+    if (const auto failure = RegistryFailure(answer))
+        return fail(*failure);
     if (answer.isEmpty())
-        return Text("pusta odpowiedź serwera na listę zwierząt");
+        return u"pusta odpowiedź serwera na listę zwierząt"_s;
     const QJsonObject root = ParseAnswer(answer);
-    if (root.contains(u"komunikat"))
-        return fail(Text("Serwer zwrócił komunikat: ") + root.value(u"komunikat").toString());
+    if (const auto failure = RegistryFailure(root))
+        return fail(*failure);
     OwningList<TZZIInfoClass> animals;
-    ParseList<TZZIInfoClass>(root, QStringLiteral("listaZwierzeta"), animals);
+    ParseList<TZZIInfoClass>(root, u"listaZwierzeta"_s, animals);
     if (animals.empty()) {
-        session_.appendError(Text("Brak zwierząt w stadzie: ") + herd.number);
+        session_.appendError(u"Brak zwierząt w stadzie: "_s + herd.number);
         return {};
     }
     herd.listed = static_cast<qsizetype>(animals.size());
-    ++herdsRead_;
     ++session_.herdCount;
     THerdSlot& target = session_.tables().HerdSlots[static_cast<std::size_t>(herd.slot)];
     target.Code = herd.code;
@@ -259,7 +269,7 @@ QString DownloadCommand::readHerdAnimals(HerdRead& herd, int index, WelfareAnaly
 QString DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, HerdRead& herd,
                                      WelfareAnalysis& analysis)
 {
-    session_.SetStatusText(StatusPanel::Step, QStringLiteral("Rozczytywanie danych"));
+    session_.SetStatusText(StatusPanel::Step, u"Rozczytywanie danych"_s);
     session_.setProgress(2, 0, static_cast<int>(animals.size()));
     QStringList numbers;
     for (const auto& animal : animals)
@@ -271,22 +281,22 @@ QString DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, H
         const QString& number = animal.numerIdentyfikacyjnyZwierzecia;
         if (session_.host().cancelRequested())
             throw RequestCancelled();
-        session_.SetStatusText(StatusPanel::Step, Text("Pobier. dod. inform.: ") + number);
+        session_.SetStatusText(StatusPanel::Step, u"Pobier. dod. inform.: "_s + number);
         const QString single = queue.next();
-        if (single.contains(ErrorMarker))
-            return fail(Text("Serwer zgłosił błąd: ") + AfterMarker(single));
+        if (const auto failure = RegistryFailure(single))
+            return fail(*failure);
         const int age = AgeInMonths(animal.dataUrodzenia, referenceDate_);
         bool czyMatka = animal.czyMatka;
         if (animal.plec.kod == QLatin1String("XX") && age > 14 && !single.isEmpty()) {
             const QJsonObject root = ParseAnswer(single);
-            if (root.contains(u"komunikat"))
-                return fail(Text("Serwer zwrócił komunikat: ") + root.value(u"komunikat").toString());
+            if (const auto failure = RegistryFailure(root))
+                return fail(*failure);
             czyMatka = TZZIInfoClass::ParseOne(root)->czyMatka;
         }
         if (animal.dataUrodzenia > referenceDate_)
             ++bornAfterReference_;
         session_.stepProgress(2);
-        session_.SetStatusText(StatusPanel::Step, Text("Rozczytywanie danych: ") + number);
+        session_.SetStatusText(StatusPanel::Step, u"Rozczytywanie danych: "_s + number);
         writer.write(animal, czyMatka, age, herd.code, herd.slot);
         AnimalFacts facts{animal.plec.kod, animal.typUzytkowy.kod, animal.kierunekUzytkownia.kod, age, true,
                           [this, &animals, &number] { return calfAge(animals, number); }};
@@ -302,10 +312,10 @@ QString DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, H
 void DownloadCommand::markIncomplete(const HerdRead& herd, const QString& reason)
 {
     ++incompleteHerds_;
-    const QString extent = herd.listed < 0 ? Text("nie odczytano listy zwierząt")
-                                           : Text("odczytano %1 z %2 zwierząt").arg(herd.read).arg(herd.listed);
+    const QString extent = herd.listed < 0 ? u"nie odczytano listy zwierząt"_s
+                                           : u"odczytano %1 z %2 zwierząt"_s.arg(herd.read).arg(herd.listed);
     const QString line =
-        Text("Stado %1 (działalność %2) niepełne: %3. Przyczyna: %4").arg(herd.code, herd.number, extent, reason);
+        u"Stado %1 (działalność %2) niepełne: %3. Przyczyna: %4"_s.arg(herd.code, herd.number, extent, reason);
     THerdSlot& slot = session_.tables().HerdSlots[static_cast<std::size_t>(herd.slot)];
     slot.Code = herd.code;
     slot.Visible = true;
@@ -320,7 +330,7 @@ void DownloadCommand::reportLateReferenceDate()
 {
     if (bornAfterReference_ == 0)
         return;
-    session_.appendError(Text("Data \"Halvarn na dzień\" (%1) jest wcześniejsza niż data urodzenia %2 zwierząt")
+    session_.appendError(u"Data \"Halvarn na dzień\" (%1) jest wcześniejsza niż data urodzenia %2 zwierząt"_s
                              .arg(session_.inputs.referenceDate.toString(u"yyyy-MM-dd"))
                              .arg(bornAfterReference_));
 }

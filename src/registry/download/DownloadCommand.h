@@ -55,7 +55,6 @@ private:
     TDateTime stateDate_ = EmptyDate;
     TDateTime referenceDate_ = EmptyDate;
     int activeHerds_ = 0;
-    int herdsRead_ = 0;
     int incompleteHerds_ = 0;
     int bornAfterReference_ = 0;
     std::array<QString, HerdSlotCount> slotHolders_; // holding number that took each slot

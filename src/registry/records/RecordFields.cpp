@@ -5,6 +5,8 @@
 
 #include <cmath>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QString Describe(const QJsonValue& value)
 {
@@ -26,7 +28,7 @@ QString Cut(const QString& text, qsizetype size)
 } // namespace
 
 ConversionError::ConversionError(const QString& key, const QString& value)
-    : std::runtime_error(QStringLiteral("Błąd konwersji: pole \"%1\", wartość \"%2\"").arg(key, value).toStdString())
+    : HalvarnError(u"Błąd konwersji: pole \"%1\", wartość \"%2\""_s.arg(key, value))
 {
 }
 
@@ -120,8 +122,8 @@ QString TextOf(const QJsonObject& o, const char* key)
 // and the program shows dates as the registry wrote them.
 bool ParseRegistryDate(QString text, TDateTime& value)
 {
-    static const QRegularExpression form(QStringLiteral(
-        R"(^(\d{4})-(\d{2})-(\d{2})(?:[T ](\d{2}):(\d{2})(?::(\d{2})(?:[.,](\d+))?)?)?(?:Z|[+-]\d{2}:?\d{2})?$)"));
+    static const QRegularExpression form(
+        uR"(^(\d{4})-(\d{2})-(\d{2})(?:[T ](\d{2}):(\d{2})(?::(\d{2})(?:[.,](\d+))?)?)?(?:Z|[+-]\d{2}:?\d{2})?$)"_s);
     const QRegularExpressionMatch m = form.match(text.trimmed());
     if (!m.hasMatch())
         return false;
@@ -129,7 +131,7 @@ bool ParseRegistryDate(QString text, TDateTime& value)
     const int hour = m.captured(4).toInt();
     const int minute = m.captured(5).toInt();
     const int second = m.captured(6).toInt();
-    const double fraction = m.captured(7).isEmpty() ? 0.0 : (QStringLiteral("0.") + m.captured(7)).toDouble();
+    const double fraction = m.captured(7).isEmpty() ? 0.0 : (u"0."_s + m.captured(7)).toDouble();
     if (!date.isValid() || hour > 23 || minute > 59 || second > 59)
         return false;
     value = ToDateTime(date) + (hour * 3600 + minute * 60 + second + fraction) / 86400.0;

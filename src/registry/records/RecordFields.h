@@ -1,5 +1,6 @@
 #pragma once
 
+#include "framework/HalvarnError.h"
 #include "framework/DateTime.h"
 
 #include <QJsonArray>
@@ -21,10 +22,9 @@ struct KodOpis {
 };
 
 // A value of the wrong JSON type, or a date that cannot be read.
-class ConversionError : public std::runtime_error {
+class ConversionError : public HalvarnError {
 public:
     ConversionError(const QString& key, const QString& value);
-    QString message() const { return QString::fromUtf8(what()); }
 };
 
 // True only for a value that exists and is not JSON null.

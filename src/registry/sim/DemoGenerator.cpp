@@ -2,6 +2,8 @@
 
 #include <QJsonArray>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 // splitmix64: the same numbers on every platform for the same seed.
 class Random {
@@ -29,7 +31,7 @@ struct Code {
 
 QJsonObject Pair(const Code& code)
 {
-    return {{QStringLiteral("kod"), QString::fromUtf8(code.kod)}, {QStringLiteral("opis"), QString::fromUtf8(code.opis)}};
+    return {{u"kod"_s, QString::fromUtf8(code.kod)}, {u"opis"_s, QString::fromUtf8(code.opis)}};
 }
 
 const Code Female{"XX", "Samica"}, Male{"XY", "Samiec"};
@@ -40,10 +42,10 @@ const Code Holstein{"HO", "Holsztyńsko-fryzyjska"}, RedPolish{"PC", "Polska cze
 const Code BeefBreeds[] = {{"LM", "Limousine"}, {"CH", "Charolaise"}, {"MM", "Mieszaniec mięsny"}};
 
 struct AnimalProfile {
-    AnimalProfile(Code sex, Code useType, Code direction, Code breed, int ageMonths, bool mother = false,
-               QString motherTag = {})
-        : sex(sex), useType(useType), direction(direction), breed(breed), ageMonths(ageMonths), mother(mother),
-          motherTag(std::move(motherTag))
+    AnimalProfile(Code sexCode, Code useTypeCode, Code directionCode, Code breedCode, int months, bool isMother = false,
+                  QString tagOfMother = {})
+        : sex(sexCode), useType(useTypeCode), direction(directionCode), breed(breedCode), ageMonths(months),
+          mother(isMother), motherTag(std::move(tagOfMother))
     {
     }
     Code sex, useType, direction, breed;
@@ -61,30 +63,30 @@ public:
 
     QString add(const AnimalProfile& profile, bool withBirthDate = true)
     {
-        const QString tag = QStringLiteral("PL%1").arg(5000000000LL + ++tagCounter_ * 7, 12, 10, QLatin1Char('0'));
+        const QString tag = u"PL%1"_s.arg(5000000000LL + ++tagCounter_ * 7, 12, 10, QLatin1Char('0'));
         // Ages count whole months plus one, so an animal of A months is (A - 1) months and some days old.
         const int days = profile.ageMonths == 0 ? 0 : static_cast<int>((profile.ageMonths - 1) * 30.4375) + random_.between(1, 29);
         const QDate birth = options_.referenceDate.addDays(-days);
         QJsonObject animal{
-            {QStringLiteral("numerIdentyfikacyjnyZwierzecia"), tag},
-            {QStringLiteral("lp"), static_cast<int>(animals.size()) + 1},
-            {QStringLiteral("dataPrzybyciaDoDzialalnosci"), Date(birth.addDays(random_.between(0, 3)))},
-            {QStringLiteral("numerDzialalnosci"), holding_},
-            {QStringLiteral("sposobOznakowania"), QStringLiteral("KOL")},
-            {QStringLiteral("czyMatka"), profile.mother},
-            {QStringLiteral("masaCialaZwierzecia"), 40 + profile.ageMonths * 22},
-            {QStringLiteral("gatunek"), QJsonObject{{QStringLiteral("kod"), QStringLiteral("BYD")},
-                                                    {QStringLiteral("opis"), QStringLiteral("Bydło")}}},
-            {QStringLiteral("kodRasy"), Pair(profile.breed)},
-            {QStringLiteral("plec"), Pair(profile.sex)},
-            {QStringLiteral("typUzytkowy"), Pair(profile.useType)},
-            {QStringLiteral("kierunekUzytkownia"), Pair(profile.direction)},
-            {QStringLiteral("srodkiIdentyfikacji"), EarTags(birth)},
+            {u"numerIdentyfikacyjnyZwierzecia"_s, tag},
+            {u"lp"_s, static_cast<int>(animals.size()) + 1},
+            {u"dataPrzybyciaDoDzialalnosci"_s, Date(birth.addDays(random_.between(0, 3)))},
+            {u"numerDzialalnosci"_s, holding_},
+            {u"sposobOznakowania"_s, u"KOL"_s},
+            {u"czyMatka"_s, profile.mother},
+            {u"masaCialaZwierzecia"_s, 40 + profile.ageMonths * 22},
+            {u"gatunek"_s, QJsonObject{{u"kod"_s, u"BYD"_s},
+                                                    {u"opis"_s, u"Bydło"_s}}},
+            {u"kodRasy"_s, Pair(profile.breed)},
+            {u"plec"_s, Pair(profile.sex)},
+            {u"typUzytkowy"_s, Pair(profile.useType)},
+            {u"kierunekUzytkownia"_s, Pair(profile.direction)},
+            {u"srodkiIdentyfikacji"_s, EarTags(birth)},
         };
         if (withBirthDate)
-            animal.insert(QStringLiteral("dataUrodzenia"), Date(birth));
+            animal.insert(u"dataUrodzenia"_s, Date(birth));
         if (!profile.motherTag.isEmpty())
-            animal.insert(QStringLiteral("numerIdentyfikacyjnyMatki"), profile.motherTag);
+            animal.insert(u"numerIdentyfikacyjnyMatki"_s, profile.motherTag);
         animals.push_back(animal);
         return tag;
     }
@@ -98,11 +100,11 @@ private:
         QJsonArray tags;
         const int count = random_.chance(90) ? 2 : 1;
         for (int i = 0; i < count; ++i)
-            tags.append(QJsonObject{{QStringLiteral("rodzajSrodkaIdentyfikacji"),
-                                     QJsonObject{{QStringLiteral("kod"), QStringLiteral("KOL")},
-                                                 {QStringLiteral("opis"), QStringLiteral("Kolczyk")}}},
-                                    {QStringLiteral("numerDuplikatu"), 0},
-                                    {QStringLiteral("dataObowiazywaniaOd"), Date(birth.addDays(7))}});
+            tags.append(QJsonObject{{u"rodzajSrodkaIdentyfikacji"_s,
+                                     QJsonObject{{u"kod"_s, u"KOL"_s},
+                                                 {u"opis"_s, u"Kolczyk"_s}}},
+                                    {u"numerDuplikatu"_s, 0},
+                                    {u"dataObowiazywaniaOd"_s, Date(birth.addDays(7))}});
         return tags;
     }
 
@@ -167,43 +169,43 @@ QJsonObject HoldingJson(const DemoOptions& options, const QString& number, bool 
         {{"06", "lubelskie"}, {"0619", "łukowski"}, {"061904", "Stoczek Łukowski"}, {"0389712", "Jagodne"}, {"", ""}},
     };
     const auto& place = places[r.next() % 2];
-    const QJsonObject cattle{{QStringLiteral("kod"), QStringLiteral("BYD")}, {QStringLiteral("opis"), QStringLiteral("Bydło")}};
+    const QJsonObject cattle{{u"kod"_s, u"BYD"_s}, {u"opis"_s, u"Bydło"_s}};
     return {
-        {QStringLiteral("numerProducenta"), options.producerNumber},
-        {QStringLiteral("numerDzialalnosci"), number},
-        {QStringLiteral("dataObowiazywaniaOdStan"), QStringLiteral("2004-05-01")},
-        {QStringLiteral("dataZarejestrowania"), QStringLiteral("2004-05-01")},
-        {QStringLiteral("weterynaryjnyNumerIdentyfikacyjny"), QStringLiteral("1412%1").arg(r.between(1000, 9999))},
-        {QStringLiteral("czyDzierzawaRzezni"), false},
-        {QStringLiteral("adresDzialalnosciNrDomu"), QString::number(r.between(1, 120))},
-        {QStringLiteral("adresDzialalnosciKodPocztowy"), QStringLiteral("05-320")},
-        {QStringLiteral("adresDzialalnosciPoczta"), QString::fromUtf8(place[2].opis)},
-        {QStringLiteral("telefonKomorkowy"), QStringLiteral("600%1").arg(r.between(100000, 999999))},
-        {QStringLiteral("adresDzialalnosciPozycjaX"), 52.0 + r.between(0, 999) / 1000.0},
-        {QStringLiteral("adresDzialalnosciPozycjaY"), 21.0 + r.between(0, 999) / 1000.0},
-        {QStringLiteral("zalacznikZDecyzjaPLW"), false},
-        {QStringLiteral("typDzialalnosci"), Pair({"GOSP", "Gospodarstwo"})},
-        {QStringLiteral("rodzajDzialalnosci"), Pair({"HODOW", "Hodowla"})},
-        {QStringLiteral("stanDzialalnosci"), Pair(active ? Code{"SDZA", "Aktywna"} : Code{"SDZZ", "Zawieszona"})},
-        {QStringLiteral("adresDzialalnosciWojewodztwo"), Pair(place[0])},
-        {QStringLiteral("adresDzialalnosciPowiat"), Pair(place[1])},
-        {QStringLiteral("adresDzialalnosciGmina"), Pair(place[2])},
-        {QStringLiteral("adresDzialalnosciMiejscowosc"), Pair(place[3])},
-        {QStringLiteral("listaBudynkow"), QJsonArray{QJsonObject{{QStringLiteral("lp"), 1},
-                                                                 {QStringLiteral("budynekPozycjaX"), r.between(1, 999)},
-                                                                 {QStringLiteral("budynekPozycjaY"), r.between(1, 999)}}}},
-        {QStringLiteral("listaDeklarowanychGatunkow"), QJsonArray{QJsonObject{{QStringLiteral("lp"), 1},
-                                                                              {QStringLiteral("gatunek"), cattle}}}},
-        {QStringLiteral("zwierzetaWDzialalnosci"), QJsonArray{QJsonObject{{QStringLiteral("liczbaZwierzat"), animals},
-                                                                          {QStringLiteral("liczbaNieprawidlowosci"), 0},
-                                                                          {QStringLiteral("zablokowaneZwierzeta"), false},
-                                                                          {QStringLiteral("gatunek"), cattle}}}},
-        {QStringLiteral("przydzieloneIdentyfikatory"),
-         QJsonArray{QJsonObject{{QStringLiteral("liczbaIdentyfikatorowPrzydzielonych"), animals * 2 + 40},
-                                {QStringLiteral("liczbaIdentyfikatorowWykorzystanych"), animals * 2},
-                                {QStringLiteral("liczbaDuplikatow"), 0},
-                                {QStringLiteral("gatunek"), cattle}}}},
-        {QStringLiteral("stanDzialalnosciDlaGatunku"), QJsonArray{}},
+        {u"numerProducenta"_s, options.producerNumber},
+        {u"numerDzialalnosci"_s, number},
+        {u"dataObowiazywaniaOdStan"_s, u"2004-05-01"_s},
+        {u"dataZarejestrowania"_s, u"2004-05-01"_s},
+        {u"weterynaryjnyNumerIdentyfikacyjny"_s, u"1412%1"_s.arg(r.between(1000, 9999))},
+        {u"czyDzierzawaRzezni"_s, false},
+        {u"adresDzialalnosciNrDomu"_s, QString::number(r.between(1, 120))},
+        {u"adresDzialalnosciKodPocztowy"_s, u"05-320"_s},
+        {u"adresDzialalnosciPoczta"_s, QString::fromUtf8(place[2].opis)},
+        {u"telefonKomorkowy"_s, u"600%1"_s.arg(r.between(100000, 999999))},
+        {u"adresDzialalnosciPozycjaX"_s, 52.0 + r.between(0, 999) / 1000.0},
+        {u"adresDzialalnosciPozycjaY"_s, 21.0 + r.between(0, 999) / 1000.0},
+        {u"zalacznikZDecyzjaPLW"_s, false},
+        {u"typDzialalnosci"_s, Pair({"GOSP", "Gospodarstwo"})},
+        {u"rodzajDzialalnosci"_s, Pair({"HODOW", "Hodowla"})},
+        {u"stanDzialalnosci"_s, Pair(active ? Code{"SDZA", "Aktywna"} : Code{"SDZZ", "Zawieszona"})},
+        {u"adresDzialalnosciWojewodztwo"_s, Pair(place[0])},
+        {u"adresDzialalnosciPowiat"_s, Pair(place[1])},
+        {u"adresDzialalnosciGmina"_s, Pair(place[2])},
+        {u"adresDzialalnosciMiejscowosc"_s, Pair(place[3])},
+        {u"listaBudynkow"_s, QJsonArray{QJsonObject{{u"lp"_s, 1},
+                                                                 {u"budynekPozycjaX"_s, r.between(1, 999)},
+                                                                 {u"budynekPozycjaY"_s, r.between(1, 999)}}}},
+        {u"listaDeklarowanychGatunkow"_s, QJsonArray{QJsonObject{{u"lp"_s, 1},
+                                                                              {u"gatunek"_s, cattle}}}},
+        {u"zwierzetaWDzialalnosci"_s, QJsonArray{QJsonObject{{u"liczbaZwierzat"_s, animals},
+                                                                          {u"liczbaNieprawidlowosci"_s, 0},
+                                                                          {u"zablokowaneZwierzeta"_s, false},
+                                                                          {u"gatunek"_s, cattle}}}},
+        {u"przydzieloneIdentyfikatory"_s,
+         QJsonArray{QJsonObject{{u"liczbaIdentyfikatorowPrzydzielonych"_s, animals * 2 + 40},
+                                {u"liczbaIdentyfikatorowWykorzystanych"_s, animals * 2},
+                                {u"liczbaDuplikatow"_s, 0},
+                                {u"gatunek"_s, cattle}}}},
+        {u"stanDzialalnosciDlaGatunku"_s, QJsonArray{}},
     };
 }
 } // namespace
@@ -214,7 +216,7 @@ SimDataset GenerateDemoDataset(const DemoOptions& options)
     SimProducer producer{options.producerNumber, options.login, options.password, {}};
     int tagCounter = 0;
     const auto holdingNumber = [&options](std::size_t i) {
-        return options.producerNumber + QStringLiteral("-%1").arg(i + 1, 3, 10, QLatin1Char('0'));
+        return options.producerNumber + u"-%1"_s.arg(i + 1, 3, 10, QLatin1Char('0'));
     };
     for (std::size_t i = 0; i < options.herdSizes.size(); ++i) {
         HerdBuilder herd(random, options, holdingNumber(i), tagCounter);

@@ -5,6 +5,8 @@
 
 #include <thread>
 
+using namespace Qt::StringLiterals;
+
 class RegistrySimulator::Server {
 public:
     Server(SimDataset data, SimOptions options) : registry(std::move(data), std::move(options)) {}
@@ -50,7 +52,7 @@ void RegistrySimulator::stop()
 
 QString RegistrySimulator::baseUrl() const
 {
-    return QStringLiteral("http://127.0.0.1:%1").arg(server_->port);
+    return u"http://127.0.0.1:%1"_s.arg(server_->port);
 }
 
 SimStats RegistrySimulator::stats() const

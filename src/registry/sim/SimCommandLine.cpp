@@ -2,6 +2,8 @@
 
 #include <QCommandLineParser>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QCommandLineOption Value(const char* name, const char* description, const char* valueName)
 {
@@ -44,16 +46,16 @@ SimFaults FaultsFrom(const QCommandLineParser& parser)
     SimFaults faults;
     faults.httpErrorAnimals = Values(parser, "fail-animal");
     faults.httpErrorHerds = Values(parser, "fail-herd");
-    faults.httpErrorHoldings = parser.isSet(QStringLiteral("fail-holdings"));
+    faults.httpErrorHoldings = parser.isSet(u"fail-holdings"_s);
     faults.komunikatAnimals = Values(parser, "komunikat-animal");
     faults.komunikatHerds = Values(parser, "komunikat-herd");
-    faults.komunikatHoldings = parser.isSet(QStringLiteral("komunikat-holdings"));
+    faults.komunikatHoldings = parser.isSet(u"komunikat-holdings"_s);
     faults.notJsonAnimals = Values(parser, "not-json-animal");
     faults.notJsonHerds = Values(parser, "not-json-herd");
-    faults.notJsonHoldings = parser.isSet(QStringLiteral("not-json-holdings"));
+    faults.notJsonHoldings = parser.isSet(u"not-json-holdings"_s);
     faults.slowAnimals = Values(parser, "slow-animal");
     faults.slowHerds = Values(parser, "slow-herd");
-    faults.slowMs = parser.value(QStringLiteral("slow-ms")).toInt();
-    faults.refuseLogin = parser.isSet(QStringLiteral("refuse-login"));
+    faults.slowMs = parser.value(u"slow-ms"_s).toInt();
+    faults.refuseLogin = parser.isSet(u"refuse-login"_s);
     return faults;
 }

@@ -2,6 +2,8 @@
 
 #include <QJsonArray>
 
+using namespace Qt::StringLiterals;
+
 SimDataset SimDataset::fromJson(const QJsonObject& root)
 {
     SimDataset data;
@@ -32,13 +34,13 @@ QJsonObject SimDataset::toJson() const
             QJsonArray animalArray;
             for (const QJsonObject& animal : holding.animals)
                 animalArray.append(animal);
-            object.insert(QStringLiteral("zwierzeta"), animalArray);
+            object.insert(u"zwierzeta"_s, animalArray);
             holdingArray.append(object);
         }
-        producerArray.append(QJsonObject{{QStringLiteral("numerProducenta"), producer.numerProducenta},
-                                         {QStringLiteral("login"), producer.login},
-                                         {QStringLiteral("password"), producer.password},
-                                         {QStringLiteral("holdings"), holdingArray}});
+        producerArray.append(QJsonObject{{u"numerProducenta"_s, producer.numerProducenta},
+                                         {u"login"_s, producer.login},
+                                         {u"password"_s, producer.password},
+                                         {u"holdings"_s, holdingArray}});
     }
-    return {{QStringLiteral("producers"), producerArray}};
+    return {{u"producers"_s, producerArray}};
 }

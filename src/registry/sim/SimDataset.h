@@ -6,6 +6,8 @@
 
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 // What the simulated registry knows, kept in the registry's own JSON shapes.
 struct SimHolding {
     QJsonObject holding;
@@ -29,9 +31,9 @@ struct SimDataset {
 
 struct DemoOptions {
     quint64 seed = 20261123;
-    QString producerNumber = QStringLiteral("071234562");
-    QString login = QStringLiteral("uzytkownik.testowy.1");
-    QString password = QStringLiteral("Zielonka7Kb2!");
+    QString producerNumber = u"071234562"_s;
+    QString login = u"uzytkownik.testowy.1"_s;
+    QString password = u"Zielonka7Kb2!"_s;
     std::vector<int> herdSizes = {120, 85, 140}; // animals of each active herd: dairy, suckler, fattening, …
     QDate referenceDate = QDate::currentDate();
 };

@@ -8,6 +8,8 @@
 
 #include <chrono>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QString Param(const httplib::Request& request, const char* key)
 {
@@ -21,13 +23,13 @@ QByteArray Json(const QJsonObject& object)
 
 QByteArray Komunikat(const QString& text)
 {
-    return Json({{QStringLiteral("komunikat"), text}});
+    return Json({{u"komunikat"_s, text}});
 }
 
 QByteArray Errors(const char* code, const QString& text)
 {
-    return Json({{QStringLiteral("bledy"), QJsonArray{QJsonObject{{QStringLiteral("kodBledu"), QLatin1String(code)},
-                                                                  {QStringLiteral("komunikat"), text}}}}});
+    return Json({{u"bledy"_s, QJsonArray{QJsonObject{{u"kodBledu"_s, QLatin1String(code)},
+                                                                  {u"komunikat"_s, text}}}}});
 }
 
 const QByteArray NotJson = QByteArray("<html><body>B\xc5\x82\xc4\x85""d serwera</body></html>");
@@ -74,7 +76,7 @@ void SimRegistry::serve(Handler handler, bool needsToken, const httplib::Request
 {
     enter();
     pause(options().latencyMs);
-    Answer answer{401, Json({{QStringLiteral("error"), QStringLiteral("invalid_token")}})};
+    Answer answer{401, Json({{u"error"_s, u"invalid_token"_s}})};
     const std::string authorization = request.get_header_value("Authorization");
     bool authorised = !needsToken;
     {
@@ -154,15 +156,15 @@ SimRegistry::Answer SimRegistry::token(const httplib::Request& request)
     ++stats_.tokenRequests;
     bool known = false;
     for (const SimProducer& p : data_.producers)
-        known = known || (p.login == form.value(QStringLiteral("username")) &&
-                          p.password == form.value(QStringLiteral("password")));
-    if (!known || options_.faults.refuseLogin || form.value(QStringLiteral("client_id")) != u"aplikacja-irzplus")
+        known = known || (p.login == form.value(u"username"_s) &&
+                          p.password == form.value(u"password"_s));
+    if (!known || options_.faults.refuseLogin || form.value(u"client_id"_s) != u"aplikacja-irzplus")
         return {401, R"({"error":"invalid_grant","error_description":"Invalid user credentials"})"};
     const QString token = QString::number(QRandomGenerator::global()->generate64(), 36);
     tokens_.insert(token);
-    return {200, Json({{QStringLiteral("access_token"), token},
-                       {QStringLiteral("token_type"), QStringLiteral("bearer")},
-                       {QStringLiteral("expires_in"), 300}})};
+    return {200, Json({{u"access_token"_s, token},
+                       {u"token_type"_s, u"bearer"_s},
+                       {u"expires_in"_s, 300}})};
 }
 
 SimRegistry::Answer SimRegistry::holdings(const httplib::Request& request)
@@ -174,15 +176,15 @@ SimRegistry::Answer SimRegistry::holdings(const httplib::Request& request)
         ++stats_.holdingsRequests;
     }
     if (current.faults.httpErrorHoldings)
-        return {500, Errors("SYS-500", QString::fromUtf8("Błąd wewnętrzny"))};
+        return {500, Errors("SYS-500", u"Błąd wewnętrzny"_s)};
     if (current.faults.notJsonHoldings)
         return {200, NotJson};
     if (current.faults.komunikatHoldings)
-        return {200, Komunikat(QString::fromUtf8("Usługa chwilowo niedostępna"))};
+        return {200, Komunikat(u"Usługa chwilowo niedostępna"_s)};
     const QString number = body.value(u"numerProducenta").toString();
     const SimProducer* found = producer(number);
     if (!found)
-        return {200, Komunikat(QStringLiteral("Nie znaleziono producenta ") + number)};
+        return {200, Komunikat(u"Nie znaleziono producenta "_s + number)};
     QJsonArray list;
     for (const SimHolding& holding : found->holdings) {
         bool matches = true;
@@ -195,7 +197,7 @@ SimRegistry::Answer SimRegistry::holdings(const httplib::Request& request)
         if (matches)
             list.append(holding.holding);
     }
-    return {200, Json({{QStringLiteral("dzialalnosc"), list}})};
+    return {200, Json({{u"dzialalnosc"_s, list}})};
 }
 
 SimRegistry::Answer SimRegistry::spoiled(const QSet<QString>& httpError, const QSet<QString>& komunikat,
@@ -203,7 +205,7 @@ SimRegistry::Answer SimRegistry::spoiled(const QSet<QString>& httpError, const Q
                                          const QString& komunikatText) const
 {
     if (httpError.contains(key))
-        return {500, Errors("SYS-500", QString::fromUtf8("Błąd wewnętrzny"))};
+        return {500, Errors("SYS-500", u"Błąd wewnętrzny"_s)};
     if (notJson.contains(key))
         return {200, NotJson};
     if (komunikat.contains(key))
@@ -225,12 +227,12 @@ SimRegistry::Answer SimRegistry::animalList(const httplib::Request& request)
     if (faults.slowHerds.contains(holdingNumber))
         pause(faults.slowMs);
     const Answer bad = spoiled(faults.httpErrorHerds, faults.komunikatHerds, faults.notJsonHerds, holdingNumber,
-                               QString::fromUtf8("Brak uprawnień do działalności ") + holdingNumber);
+                               u"Brak uprawnień do działalności "_s + holdingNumber);
     if (bad.status != 0)
         return bad;
     const SimProducer* found = producer(producerNumber);
     if (!found)
-        return {200, Komunikat(QStringLiteral("Nie znaleziono producenta ") + producerNumber)};
+        return {200, Komunikat(u"Nie znaleziono producenta "_s + producerNumber)};
     QJsonArray list;
     const std::lock_guard lock(mutex_); // use changes may rewrite animals meanwhile
     for (const SimHolding& holding : found->holdings) {
@@ -242,7 +244,7 @@ SimRegistry::Answer SimRegistry::animalList(const httplib::Request& request)
                 list.append(animal);
         }
     }
-    return {200, Json({{QStringLiteral("listaZwierzeta"), list}})};
+    return {200, Json({{u"listaZwierzeta"_s, list}})};
 }
 
 QJsonObject* SimRegistry::findAnimal(const QString& producerNumber, const QString& tag, QString* holdingNumber)
@@ -267,13 +269,13 @@ SimRegistry::Answer SimRegistry::animal(const httplib::Request& request)
     if (faults.slowAnimals.contains(tag))
         pause(faults.slowMs);
     const Answer bad = spoiled(faults.httpErrorAnimals, faults.komunikatAnimals, faults.notJsonAnimals, tag,
-                               QString::fromUtf8("Zwierzę %1 jest zablokowane").arg(tag));
+                               u"Zwierzę %1 jest zablokowane"_s.arg(tag));
     if (bad.status != 0)
         return bad;
     const std::lock_guard lock(mutex_);
     const QJsonObject* found = findAnimal(Param(request, "numerProducenta"), tag);
     if (!found)
-        return {200, Komunikat(QString::fromUtf8("Nie znaleziono zwierzęcia ") + tag)};
+        return {200, Komunikat(u"Nie znaleziono zwierzęcia "_s + tag)};
     return {200, Json(*found)};
 }
 
@@ -286,7 +288,7 @@ SimRegistry::Answer SimRegistry::documents(const httplib::Request& request)
     for (const QJsonValue document : documents_)
         if (number.isEmpty() || document.toObject().value(u"numerDokumentu").toString() == number)
             list.append(document);
-    return {200, Json({{QStringLiteral("dokumenty"), list}})};
+    return {200, Json({{u"dokumenty"_s, list}})};
 }
 
 SimRegistry::Answer SimRegistry::useChange(const httplib::Request& request)
@@ -299,25 +301,25 @@ SimRegistry::Answer SimRegistry::useChange(const httplib::Request& request)
     ++stats_.useChangeRequests;
     QJsonObject* animal = findAnimal(body.value(u"numerProducenta").toString(), tag);
     if (!animal)
-        return {200, Json({{QStringLiteral("komunikat"), QStringLiteral("Zgłoszenie odrzucone")},
-                           {QStringLiteral("bledy"),
-                            QJsonArray{QJsonObject{{QStringLiteral("kodBledu"), QStringLiteral("ZW-404")},
-                                                   {QStringLiteral("komunikat"),
-                                                    QString::fromUtf8("Nie znaleziono zwierzęcia ") + tag}}}}})};
+        return {200, Json({{u"komunikat"_s, u"Zgłoszenie odrzucone"_s},
+                           {u"bledy"_s,
+                            QJsonArray{QJsonObject{{u"kodBledu"_s, u"ZW-404"_s},
+                                                   {u"komunikat"_s,
+                                                    u"Nie znaleziono zwierzęcia "_s + tag}}}}})};
     const QString direction = position.value(u"kierunekUzytkowy").toObject().value(u"kod").toString();
     if (!direction.isEmpty())
-        animal->insert(QStringLiteral("kierunekUzytkownia"), QJsonObject{{QStringLiteral("kod"), direction},
-                                                                         {QStringLiteral("opis"), direction}});
-    const QString number = QStringLiteral("ZTUKU/%1/%2").arg(QDate::currentDate().year()).arg(++documentCounter_, 6, 10, QLatin1Char('0'));
+        animal->insert(u"kierunekUzytkownia"_s, QJsonObject{{u"kod"_s, direction},
+                                                                         {u"opis"_s, direction}});
+    const QString number = u"ZTUKU/%1/%2"_s.arg(QDate::currentDate().year()).arg(++documentCounter_, 6, 10, QLatin1Char('0'));
     const QString now = QDateTime::currentDateTime().toString(u"yyyy-MM-ddTHH:mm:ss");
-    documents_.append(QJsonObject{{QStringLiteral("numerDokumentu"), number},
-                                  {QStringLiteral("typDokumentu"), QStringLiteral("ZTUKU")},
-                                  {QStringLiteral("dataZlozeniaDokumentu"), now},
-                                  {QStringLiteral("dataUtworzenia"), now},
-                                  {QStringLiteral("dataModyfikacji"), now},
-                                  {QStringLiteral("statusDokumentu"), QStringLiteral("7")},
-                                  {QStringLiteral("numerKancelaryjny"), QString::number(documentCounter_)},
-                                  {QStringLiteral("komorkaOrganizacyjna"), body.value(u"komorkaOrganizacyjna").toString()}});
-    return {200, Json({{QStringLiteral("numerDokumentu"), number},
-                       {QStringLiteral("komunikat"), QString::fromUtf8("Dokument przyjęty")}})};
+    documents_.append(QJsonObject{{u"numerDokumentu"_s, number},
+                                  {u"typDokumentu"_s, u"ZTUKU"_s},
+                                  {u"dataZlozeniaDokumentu"_s, now},
+                                  {u"dataUtworzenia"_s, now},
+                                  {u"dataModyfikacji"_s, now},
+                                  {u"statusDokumentu"_s, u"7"_s},
+                                  {u"numerKancelaryjny"_s, QString::number(documentCounter_)},
+                                  {u"komorkaOrganizacyjna"_s, body.value(u"komorkaOrganizacyjna").toString()}});
+    return {200, Json({{u"numerDokumentu"_s, number},
+                       {u"komunikat"_s, u"Dokument przyjęty"_s}})};
 }

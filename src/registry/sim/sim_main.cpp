@@ -10,6 +10,8 @@
 
 #include <csignal>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QCommandLineOption Value(const char* name, const char* description, const char* valueName = "VALUE")
 {
@@ -30,13 +32,13 @@ const quint16 DefaultPort = 8080;
 // 0 asks the system for any free port; the address taken is printed at start.
 bool ReadPort(const QCommandLineParser& parser, quint16& port, QString& error)
 {
-    if (!parser.isSet(QStringLiteral("port")))
+    if (!parser.isSet(u"port"_s))
         return true;
-    const QString text = parser.value(QStringLiteral("port"));
+    const QString text = parser.value(u"port"_s);
     bool ok = false;
     const uint number = text.toUInt(&ok);
     if (!ok || number > 65535) {
-        error = QString::fromUtf8("Niepoprawny port: %1 (od 1 do 65535, albo 0 – dowolny wolny port)").arg(text);
+        error = u"Niepoprawny port: %1 (od 1 do 65535, albo 0 – dowolny wolny port)"_s.arg(text);
         return false;
     }
     port = static_cast<quint16>(number);
@@ -46,17 +48,17 @@ bool ReadPort(const QCommandLineParser& parser, quint16& port, QString& error)
 bool ReadDemoOptions(const QCommandLineParser& parser, DemoOptions& demo, QString& error)
 {
     const auto number = [&](const char* name) { return parser.value(QLatin1String(name)).toInt(); };
-    if (parser.isSet(QStringLiteral("seed")))
-        demo.seed = parser.value(QStringLiteral("seed")).toULongLong();
-    if (parser.isSet(QStringLiteral("herds")) || parser.isSet(QStringLiteral("animals")))
+    if (parser.isSet(u"seed"_s))
+        demo.seed = parser.value(u"seed"_s).toULongLong();
+    if (parser.isSet(u"herds"_s) || parser.isSet(u"animals"_s))
         demo.herdSizes.assign(static_cast<std::size_t>(number("herds") > 0 ? number("herds") : 3),
                               number("animals") > 0 ? number("animals") : 100);
-    if (!parser.isSet(QStringLiteral("reference-date")))
+    if (!parser.isSet(u"reference-date"_s))
         return true;
-    const QString text = parser.value(QStringLiteral("reference-date"));
+    const QString text = parser.value(u"reference-date"_s);
     demo.referenceDate = QDate::fromString(text, u"yyyy-MM-dd");
     if (!demo.referenceDate.isValid())
-        error = QStringLiteral("Niepoprawna data --reference-date: %1 (oczekiwano RRRR-MM-DD)").arg(text);
+        error = u"Niepoprawna data --reference-date: %1 (oczekiwano RRRR-MM-DD)"_s.arg(text);
     return demo.referenceDate.isValid();
 }
 
@@ -70,7 +72,7 @@ int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
     QCommandLineParser parser;
-    parser.setApplicationDescription(QString::fromUtf8("Symulator rejestru IRZplus dla programu Halvarn"));
+    parser.setApplicationDescription(u"Symulator rejestru IRZplus dla programu Halvarn"_s);
     parser.addHelpOption();
     parser.addOptions({
         Value("port", "port na 127.0.0.1 (domyślnie 8080; 0 – dowolny wolny port)", "N"),
@@ -96,30 +98,30 @@ int main(int argc, char* argv[])
         return 2;
     }
     SimDataset data;
-    if (parser.isSet(QStringLiteral("data"))) {
-        if (!LoadDataset(parser.value(QStringLiteral("data")), data)) {
-            err << QString::fromUtf8("Nie można odczytać danych: ") << parser.value(QStringLiteral("data")) << Qt::endl;
+    if (parser.isSet(u"data"_s)) {
+        if (!LoadDataset(parser.value(u"data"_s), data)) {
+            err << u"Nie można odczytać danych: "_s << parser.value(u"data"_s) << Qt::endl;
             return 2;
         }
     } else {
         data = GenerateDemoDataset(demo);
     }
-    if (parser.isSet(QStringLiteral("save-data"))) {
-        QFile file(parser.value(QStringLiteral("save-data")));
+    if (parser.isSet(u"save-data"_s)) {
+        QFile file(parser.value(u"save-data"_s));
         if (!file.open(QIODevice::WriteOnly)) {
-            err << QString::fromUtf8("Nie można zapisać danych: ") << file.fileName() << Qt::endl;
+            err << u"Nie można zapisać danych: "_s << file.fileName() << Qt::endl;
             return 1;
         }
         file.write(QJsonDocument(data.toJson()).toJson());
         return 0;
     }
     SimOptions options;
-    options.latencyMs = parser.value(QStringLiteral("latency-ms")).toInt();
-    options.maxConcurrent = parser.value(QStringLiteral("max-concurrent")).toInt();
+    options.latencyMs = parser.value(u"latency-ms"_s).toInt();
+    options.maxConcurrent = parser.value(u"max-concurrent"_s).toInt();
     options.faults = FaultsFrom(parser);
     RegistrySimulator simulator(std::move(data), options);
     if (!simulator.start(port)) {
-        err << QString::fromUtf8("Nie można nasłuchiwać na porcie ") << port << Qt::endl;
+        err << u"Nie można nasłuchiwać na porcie "_s << port << Qt::endl;
         return 1;
     }
     out << "Rejestr (symulator): " << simulator.baseUrl() << Qt::endl;

@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 class CountingObserver : public TableObserver {
 public:
@@ -18,7 +20,7 @@ public:
 
 std::unique_ptr<Table> SortedById()
 {
-    auto table = std::make_unique<Table>(QStringLiteral("t"), GroupFields(), QStringLiteral("ID"));
+    auto table = std::make_unique<Table>(u"t"_s, GroupFields(), u"ID"_s);
     table->open();
     return table;
 }
@@ -69,7 +71,7 @@ QString Layout(const Table& table)
         fields.append(f.name + u' ' + QLatin1String(types[static_cast<int>(f.type)]) +
                       (f.type == FieldType::String ? QString::number(f.size) : QString()));
     }
-    return fields.join(QStringLiteral(", "));
+    return fields.join(u", "_s);
 }
 } // namespace
 
@@ -79,28 +81,28 @@ void TestTables::layoutsHaveTheirFieldsAndSwitches_data()
     QTest::addColumn<bool>("readOnly");
     QTest::addColumn<QString>("layout");
     const QString animals =
-        QStringLiteral("NumerIdentyfikacyjny S20, Plec S10, DataUrodzenia D, Wiek I32, TypUzytkowy S20, "
-                       "KierunekUzytkowania S20, GdzieRozpatrzono S100, Rozpatrzono S3, CzyMatka I16, STADO S5");
-    const QString marked = animals + QStringLiteral(", ZAZNACZONE B");
+        u"NumerIdentyfikacyjny S20, Plec S10, DataUrodzenia D, Wiek I32, TypUzytkowy S20, "
+                       u"KierunekUzytkowania S20, GdzieRozpatrzono S100, Rozpatrzono S3, CzyMatka I16, STADO S5"_s;
+    const QString marked = animals + u", ZAZNACZONE B"_s;
     const QString summary =
-        marked + QStringLiteral(", DataPrzybycia D, DataWyrejestrowania D, Rasa S20, RodzajDawczyni S20, "
-                                "RodzajDawcy S20, NumerDzialalnosci S20, NumerIdentyfikacyjnyMatki S20, "
-                                "NumerIdentyfikacyjnyDawczyni S20, NumerIdentyfikacyjnyDawcy S20, IloscOznakowan S20");
+        marked + u", DataPrzybycia D, DataWyrejestrowania D, Rasa S20, RodzajDawczyni S20, "
+                                u"RodzajDawcy S20, NumerDzialalnosci S20, NumerIdentyfikacyjnyMatki S20, "
+                                u"NumerIdentyfikacyjnyDawczyni S20, NumerIdentyfikacyjnyDawcy S20, IloscOznakowan S20"_s;
     const QString groups =
-        QStringLiteral("ID I32, GT S50, ZakresWieku S30, Ilosc I32, IloscPom I32, IndDod S100, STADO S5");
-    QTest::newRow("mdRZ00") << QStringLiteral("mdRZ00") << false << summary;
-    QTest::newRow("mdRZ01") << QStringLiteral("mdRZ01") << true << animals;
-    QTest::newRow("mdRZ20") << QStringLiteral("mdRZ20") << true << animals;
-    QTest::newRow("mdRaport1") << QStringLiteral("mdRaport1") << false << marked;
-    QTest::newRow("mdEmpty") << QStringLiteral("mdEmpty") << true << animals;
-    QTest::newRow("mdGT00") << QStringLiteral("mdGT00") << true << groups;
-    QTest::newRow("mdGT20") << QStringLiteral("mdGT20") << true << groups;
-    QTest::newRow("mdProducent") << QStringLiteral("mdProducent") << true
-                                 << QStringLiteral("PRODUCENT S20, DATA1 D, DATA2 D, DATA3 D, NAZWA S50");
-    QTest::newRow("mdTUKU") << QStringLiteral("mdTUKU") << false
-                            << QStringLiteral("STADO S5, NumerIdentyfikacyjny S20, TU_OLD S20, TU_NEW S20, "
-                                              "KU_OLD S20, KU_NEW S20, Komunikat S100, NumerDokumentu S40, "
-                                              "ST_KOD I32, ST_OPIS S60, BLEDY M");
+        u"ID I32, GT S50, ZakresWieku S30, Ilosc I32, IloscPom I32, IndDod S100, STADO S5"_s;
+    QTest::newRow("mdRZ00") << u"mdRZ00"_s << false << summary;
+    QTest::newRow("mdRZ01") << u"mdRZ01"_s << true << animals;
+    QTest::newRow("mdRZ20") << u"mdRZ20"_s << true << animals;
+    QTest::newRow("mdRaport1") << u"mdRaport1"_s << false << marked;
+    QTest::newRow("mdEmpty") << u"mdEmpty"_s << true << animals;
+    QTest::newRow("mdGT00") << u"mdGT00"_s << true << groups;
+    QTest::newRow("mdGT20") << u"mdGT20"_s << true << groups;
+    QTest::newRow("mdProducent") << u"mdProducent"_s << true
+                                 << u"PRODUCENT S20, DATA1 D, DATA2 D, DATA3 D, NAZWA S50"_s;
+    QTest::newRow("mdTUKU") << u"mdTUKU"_s << false
+                            << u"STADO S5, NumerIdentyfikacyjny S20, TU_OLD S20, TU_NEW S20, "
+                                              u"KU_OLD S20, KU_NEW S20, Komunikat S100, NumerDokumentu S40, "
+                                              u"ST_KOD I32, ST_OPIS S60, BLEDY M"_s;
 }
 
 void TestTables::layoutsHaveTheirFieldsAndSwitches()
@@ -133,7 +135,7 @@ void TestTables::readOnlyTablesRefuseEveryWrite()
     herd.open();
     herd.setReadOnly(false);
     herd.append();
-    herd.setValue(0, QStringLiteral("PL1"));
+    herd.setValue(0, u"PL1"_s);
     herd.post();
     if (operation == 3)
         herd.edit();
@@ -143,14 +145,14 @@ void TestTables::readOnlyTablesRefuseEveryWrite()
         case 0: herd.append(); break;
         case 1: herd.edit(); break;
         case 2: herd.remove(); break;
-        default: herd.setValue(0, QStringLiteral("PL2"));
+        default: herd.setValue(0, u"PL2"_s);
         }
         QFAIL("a read-only table accepted a write");
     } catch (const TableError& error) {
-        QVERIFY(QString::fromUtf8(error.what()).contains(QStringLiteral("mdRZ05")));
+        QVERIFY(QString::fromUtf8(error.what()).contains(u"mdRZ05"_s));
     }
     herd.cancel();
-    QCOMPARE(AsString(herd.value(0)), QStringLiteral("PL1"));
+    QCOMPARE(AsString(herd.value(0)), u"PL1"_s);
 }
 
 void TestTables::writesRestoreReadOnlyByIdentity()
@@ -162,8 +164,8 @@ void TestTables::writesRestoreReadOnlyByIdentity()
         table->append();
         table->post();
         table->setReadOnly(false); // writable before, whatever the table
-        tables.MarkAnimalReviewed(*table, QStringLiteral("X"), QStringLiteral("Krowy, 24 > Wiek"));
-        QCOMPARE(AsString(table->value(u"Rozpatrzono")), QStringLiteral("X"));
+        tables.MarkAnimalReviewed(*table, u"X"_s, u"Krowy, 24 > Wiek"_s);
+        QCOMPARE(AsString(table->value(u"Rozpatrzono")), u"X"_s);
     }
     QVERIFY(!tables.mdRZ00().readOnly());
     QVERIFY(tables.mdRZ(3).readOnly());
@@ -178,10 +180,10 @@ void TestTables::stringsAreCutToTheirSize_data()
     QTest::addColumn<QString>("field");
     QTest::addColumn<int>("given");
     QTest::addColumn<int>("kept");
-    QTest::newRow("GdzieRozpatrzono") << QStringLiteral("GdzieRozpatrzono") << 130 << 100;
-    QTest::newRow("Plec") << QStringLiteral("Plec") << 11 << 10;
-    QTest::newRow("Rozpatrzono") << QStringLiteral("Rozpatrzono") << 4 << 3;
-    QTest::newRow("STADO, fits") << QStringLiteral("STADO") << 5 << 5;
+    QTest::newRow("GdzieRozpatrzono") << u"GdzieRozpatrzono"_s << 130 << 100;
+    QTest::newRow("Plec") << u"Plec"_s << 11 << 10;
+    QTest::newRow("Rozpatrzono") << u"Rozpatrzono"_s << 4 << 3;
+    QTest::newRow("STADO, fits") << u"STADO"_s << 5 << 5;
 }
 
 void TestTables::stringsAreCutToTheirSize()
@@ -218,7 +220,7 @@ void TestTables::unsetFieldsAreNullAndCancelDiscards()
     summary.append();
     summary.cancel();
     QCOMPARE(summary.recordCount(), 1);
-    QVERIFY_THROWS_EXCEPTION(TableError, summary.setValue(u"Wiek", QStringLiteral("dwa")));
+    QVERIFY_THROWS_EXCEPTION(TableError, summary.setValue(u"Wiek", u"dwa"_s));
 }
 
 void TestTables::sortKeepsRowsOrderedStably()
@@ -228,8 +230,8 @@ void TestTables::sortKeepsRowsOrderedStably()
     for (int id : {30, 10, 20, 10, 40})
         AppendGroup(table, id, QString::number(table.recordCount()));
     QCOMPARE(Ids(table), (QList<int>{10, 10, 20, 30, 40}));
-    QCOMPARE(AsString(table.at(0, 1)), QStringLiteral("1")); // equal keys keep their order
-    QCOMPARE(AsString(table.at(1, 1)), QStringLiteral("3"));
+    QCOMPARE(AsString(table.at(0, 1)), u"1"_s); // equal keys keep their order
+    QCOMPARE(AsString(table.at(1, 1)), u"3"_s);
     table.moveTo(4);
     table.edit();
     table.setValue(0, 15);
@@ -253,8 +255,8 @@ void TestTables::sortOnAMissingFieldIsInert()
         producer.setValue(u"PRODUCENT", QLatin1String(name));
         producer.post();
     }
-    QCOMPARE(AsString(producer.at(0, 0)), QStringLiteral("Z"));
-    QCOMPARE(AsString(producer.at(1, 0)), QStringLiteral("A"));
+    QCOMPARE(AsString(producer.at(0, 0)), u"Z"_s);
+    QCOMPARE(AsString(producer.at(1, 0)), u"A"_s);
 }
 
 void TestTables::navigationAndNotifications()
@@ -296,14 +298,14 @@ void TestTables::clearingEmptiesTablesAndResetsSlots()
     tables.mdRZ(4).setReadOnly(false);
     tables.mdRZ(4).append();
     tables.mdRZ(4).post();
-    tables.HerdSlots[4].Code = QStringLiteral("004");
+    tables.HerdSlots[4].Code = u"004"_s;
     tables.HerdSlots[4].Visible = true;
     session.ClearAllData();
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
         const THerdSlot& herd = tables.HerdSlots[static_cast<std::size_t>(slot)];
         QVERIFY(herd.AnimalsTable->isEmpty());
         QCOMPARE(herd.GroupsTable->recordCount(), 40);
-        QCOMPARE(herd.Code, slot == 0 ? QStringLiteral("000") : QString());
+        QCOMPARE(herd.Code, slot == 0 ? u"000"_s : QString());
         QCOMPARE(herd.Index, slot == 0 ? -1 : 0);
         QVERIFY(!herd.Visible);
     }

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 class TestXls : public QObject {
     Q_OBJECT
 
@@ -26,28 +28,28 @@ private Q_SLOTS:
 void TestXls::cellsOfEveryTypeReadBack()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.xls"));
+    const QString path = dir.filePath(u"a.xls"_s);
     XlsWorkbook book;
-    XlsWorksheet& first = book.addSheet(QStringLiteral("Ogółem"));
-    first.setText(1, 1, QStringLiteral("Zażółć gęślą jaźń"));
-    first.setText(1, 2, QStringLiteral("café"));
+    XlsWorksheet& first = book.addSheet(u"Ogółem"_s);
+    first.setText(1, 1, u"Zażółć gęślą jaźń"_s);
+    first.setText(1, 2, u"café"_s);
     first.setNumber(2, 1, 42);
     first.setNumber(2, 2, -1.5);
     first.setDate(3, 1, QDate(2024, 2, 29));
     first.setBool(3, 2, true);
     first.setBool(3, 3, false);
-    first.setText(256, 256, QStringLiteral("róg"));
+    first.setText(256, 256, u"róg"_s);
     first.setNumber(2, 1, 43); // set again: the last value stands
-    book.addSheet(QStringLiteral("001")).setText(1, 1, QStringLiteral("Zażółć gęślą jaźń"));
+    book.addSheet(u"001"_s).setText(1, 1, u"Zażółć gęślą jaźń"_s);
     book.save(path);
     const QJsonObject read = ReadWorkbook(path);
-    QCOMPARE(SheetNames(read), (QStringList{QStringLiteral("Ogółem"), QStringLiteral("001")}));
+    QCOMPARE(SheetNames(read), (QStringList{u"Ogółem"_s, u"001"_s}));
     QCOMPARE(SheetCells(read, 0),
-             (QStringList{QStringLiteral("1,1:text:Zażółć gęślą jaźń"), QStringLiteral("1,2:text:café"),
-                          QStringLiteral("2,1:number:43"), QStringLiteral("2,2:number:-1.5"),
-                          QStringLiteral("3,1:date:2024-02-29"), QStringLiteral("3,2:bool:true"),
-                          QStringLiteral("3,3:bool:false"), QStringLiteral("256,256:text:róg")}));
-    QCOMPARE(SheetCells(read, 1), QStringList{QStringLiteral("1,1:text:Zażółć gęślą jaźń")});
+             (QStringList{u"1,1:text:Zażółć gęślą jaźń"_s, u"1,2:text:café"_s,
+                          u"2,1:number:43"_s, u"2,2:number:-1.5"_s,
+                          u"3,1:date:2024-02-29"_s, u"3,2:bool:true"_s,
+                          u"3,3:bool:false"_s, u"256,256:text:róg"_s}));
+    QCOMPARE(SheetCells(read, 1), QStringList{u"1,1:text:Zażółć gęślą jaźń"_s});
     // Only the first sheet opens selected; two selected sheets would open grouped.
     const QJsonArray sheets = read.value(u"sheets").toArray();
     QVERIFY(sheets.at(0).toObject().value(u"selected").toBool());
@@ -58,14 +60,14 @@ void TestXls::sheetNamesAreCheckedAndCut_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("kept"); // empty: refused
-    QTest::newRow("Polish") << QStringLiteral("Ogółem") << QStringLiteral("Ogółem");
+    QTest::newRow("Polish") << u"Ogółem"_s << u"Ogółem"_s;
     QTest::newRow("40 characters") << QString(40, u'ż') << QString(31, u'ż');
-    QTest::newRow("slash") << QStringLiteral("a/b") << QString();
-    QTest::newRow("bracket") << QStringLiteral("[a]") << QString();
-    QTest::newRow("duplicate") << QStringLiteral("OGÓŁEM") << QString();
-    QTest::newRow("apostrophe first") << QStringLiteral("'001") << QString();
-    QTest::newRow("apostrophe last") << QStringLiteral("001'") << QString();
-    QTest::newRow("apostrophe inside") << QStringLiteral("Stado 'A'1") << QStringLiteral("Stado 'A'1");
+    QTest::newRow("slash") << u"a/b"_s << QString();
+    QTest::newRow("bracket") << u"[a]"_s << QString();
+    QTest::newRow("duplicate") << u"OGÓŁEM"_s << QString();
+    QTest::newRow("apostrophe first") << u"'001"_s << QString();
+    QTest::newRow("apostrophe last") << u"001'"_s << QString();
+    QTest::newRow("apostrophe inside") << u"Stado 'A'1"_s << u"Stado 'A'1"_s;
 }
 
 void TestXls::sheetNamesAreCheckedAndCut()
@@ -73,7 +75,7 @@ void TestXls::sheetNamesAreCheckedAndCut()
     QFETCH(QString, name);
     QFETCH(QString, kept);
     XlsWorkbook book;
-    book.addSheet(QStringLiteral("Ogółem"));
+    book.addSheet(u"Ogółem"_s);
     if (kept.isEmpty() || name == u"Ogółem") {
         if (name == u"Ogółem")
             return;
@@ -86,17 +88,17 @@ void TestXls::sheetNamesAreCheckedAndCut()
 void TestXls::manyStringsSpillIntoContinuations()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.xls"));
+    const QString path = dir.filePath(u"a.xls"_s);
     XlsWorkbook book;
-    XlsWorksheet& sheet = book.addSheet(QStringLiteral("s"));
+    XlsWorksheet& sheet = book.addSheet(u"s"_s);
     QStringList expected;
     for (int row = 1; row <= 3000; ++row) {
         // Texts of varying length and width, some far longer than one record.
-        QString text = QStringLiteral("Zwierzę %1 ").arg(row).repeated(row % 7 + 1);
+        QString text = u"Zwierzę %1 "_s.arg(row).repeated(row % 7 + 1);
         if (row % 500 == 0)
             text = text.repeated(300);
         sheet.setText(row, 1, text);
-        expected.append(QStringLiteral("%1,1:text:%2").arg(row).arg(text));
+        expected.append(u"%1,1:text:%2"_s.arg(row).arg(text));
     }
     book.save(path);
     const QJsonObject read = ReadWorkbook(path);
@@ -113,9 +115,9 @@ void TestXls::manyStringsSpillIntoContinuations()
 void TestXls::largeWorkbookNeedsMoreFatThanTheHeaderHolds()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("big.xls"));
+    const QString path = dir.filePath(u"big.xls"_s);
     XlsWorkbook book;
-    XlsWorksheet& sheet = book.addSheet(QStringLiteral("duży"));
+    XlsWorksheet& sheet = book.addSheet(u"duży"_s);
     for (int row = 1; row <= 65536; ++row)
         for (int col = 1; col <= 10; ++col)
             sheet.setNumber(row, col, row * 10 + col);
@@ -134,11 +136,11 @@ void TestXls::limitsOfTheFormatAreRefused_data()
     QTest::addColumn<int>("textLength");
     QTest::addColumn<QString>("complaint"); // empty: accepted
     QTest::newRow("last row and column") << 65536 << 256 << 1 << QString();
-    QTest::newRow("row 65537") << 65537 << 1 << 1 << QStringLiteral("65536");
-    QTest::newRow("row 0") << 0 << 1 << 1 << QStringLiteral("wiersz 0");
-    QTest::newRow("column 257") << 1 << 257 << 1 << QStringLiteral("kolumna 257");
+    QTest::newRow("row 65537") << 65537 << 1 << 1 << u"65536"_s;
+    QTest::newRow("row 0") << 0 << 1 << 1 << u"wiersz 0"_s;
+    QTest::newRow("column 257") << 1 << 257 << 1 << u"kolumna 257"_s;
     QTest::newRow("longest text") << 1 << 1 << 32767 << QString();
-    QTest::newRow("text too long") << 1 << 1 << 32768 << QStringLiteral("32767");
+    QTest::newRow("text too long") << 1 << 1 << 32768 << u"32767"_s;
 }
 
 void TestXls::limitsOfTheFormatAreRefused()
@@ -148,7 +150,7 @@ void TestXls::limitsOfTheFormatAreRefused()
     QFETCH(int, textLength);
     QFETCH(QString, complaint);
     XlsWorkbook book;
-    XlsWorksheet& sheet = book.addSheet(QStringLiteral("s"));
+    XlsWorksheet& sheet = book.addSheet(u"s"_s);
     try {
         sheet.setText(row, column, QString(textLength, u'ż'));
         QVERIFY2(complaint.isEmpty(), "the cell was accepted");
@@ -161,25 +163,25 @@ void TestXls::failedSaveLeavesNoFileAndReplacesOnSuccess()
 {
     QTemporaryDir dir;
     XlsWorkbook book;
-    book.addSheet(QStringLiteral("s")).setText(1, 1, QStringLiteral("nowy"));
-    QVERIFY_THROWS_EXCEPTION(XlsError, book.save(dir.filePath(QStringLiteral("brak/a.xls"))));
-    QVERIFY(!QDir(dir.filePath(QStringLiteral("brak"))).exists());
-    const QString path = dir.filePath(QStringLiteral("a.xls"));
+    book.addSheet(u"s"_s).setText(1, 1, u"nowy"_s);
+    QVERIFY_THROWS_EXCEPTION(XlsError, book.save(dir.filePath(u"brak/a.xls"_s)));
+    QVERIFY(!QDir(dir.filePath(u"brak"_s)).exists());
+    const QString path = dir.filePath(u"a.xls"_s);
     QFile old(path);
     QVERIFY(old.open(QIODevice::WriteOnly));
     old.write("stary plik");
     old.close();
     book.save(path);
-    QCOMPARE(SheetCells(ReadWorkbook(path), 0), QStringList{QStringLiteral("1,1:text:nowy")});
-    QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("a.xls")});
+    QCOMPARE(SheetCells(ReadWorkbook(path), 0), QStringList{u"1,1:text:nowy"_s});
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{u"a.xls"_s});
 }
 
 void TestXls::emptyWorkbookStillOpens()
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("a.xls"));
+    const QString path = dir.filePath(u"a.xls"_s);
     XlsWorkbook().save(path);
-    QCOMPARE(SheetNames(ReadWorkbook(path)), QStringList{QStringLiteral("Arkusz1")});
+    QCOMPARE(SheetNames(ReadWorkbook(path)), QStringList{u"Arkusz1"_s});
 }
 
 QTEST_GUILESS_MAIN(TestXls)

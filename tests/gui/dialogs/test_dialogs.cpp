@@ -25,6 +25,8 @@
 #include <functional>
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QString Key(const char* name)
 {
@@ -41,7 +43,7 @@ struct ParamCalls {
 };
 
 std::unique_ptr<TfGET_PARAM> OpenParam(const QString& ini, ParamCalls& calls,
-                                       const QString& defaultCsv = QStringLiteral("/dane/EXPORT/"))
+                                       const QString& defaultCsv = u"/dane/EXPORT/"_s)
 {
     auto dialog = std::make_unique<TfGET_PARAM>(ini, defaultCsv);
     dialog->setQuestion([&calls](QWidget*, const QString& title, const QString& text) {
@@ -64,7 +66,7 @@ MonthEdit* Limit(const QWidget& dialog, const QString& name)
 
 QLineEdit* CsvField(const QWidget& dialog)
 {
-    return dialog.findChild<QLineEdit*>(QStringLiteral("edCSV"));
+    return dialog.findChild<QLineEdit*>(u"edCSV"_s);
 }
 
 // The twenty keys in file order with their first-start values.
@@ -110,7 +112,7 @@ QStringList ShownLimits(const QWidget& dialog)
     QStringList shown;
     for (const auto& [key, defaultValue] : Defaults()) {
         const MonthEdit* edit = Limit(dialog, key);
-        shown << (edit ? edit->text() : QStringLiteral("<missing>"));
+        shown << (edit ? edit->text() : u"<missing>"_s);
     }
     return shown;
 }
@@ -206,13 +208,13 @@ private Q_SLOTS:
 void TestDialogs::firstStartShowsDefaults()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     ParamCalls calls;
-    const auto dialog = OpenParam(ini, calls, QStringLiteral("/dane/EXPORT/"));
-    QCOMPARE(dialog->objectName(), QStringLiteral("TfGET_PARAM"));
-    QCOMPARE(dialog->windowTitle(), QStringLiteral("Parametry"));
+    const auto dialog = OpenParam(ini, calls, u"/dane/EXPORT/"_s);
+    QCOMPARE(dialog->objectName(), u"TfGET_PARAM"_s);
+    QCOMPARE(dialog->windowTitle(), u"Parametry"_s);
     QCOMPARE(ShownLimits(*dialog), FirstStartTexts());
-    QCOMPARE(CsvField(*dialog)->text(), QStringLiteral("/dane/EXPORT/"));
+    QCOMPARE(CsvField(*dialog)->text(), u"/dane/EXPORT/"_s);
     QVERIFY(CsvField(*dialog)->isReadOnly());
     QVERIFY(!QFile::exists(ini));
 }
@@ -256,10 +258,10 @@ void TestDialogs::limitEditSitsOnItsRow()
     QFETCH(int, column);
     QTemporaryDir dir;
     ParamCalls calls;
-    const auto dialog = OpenParam(dir.filePath(QStringLiteral("HALVARN.INI")), calls);
+    const auto dialog = OpenParam(dir.filePath(u"HALVARN.INI"_s), calls);
     const auto* group = dialog->findChild<QGroupBox*>();
     QVERIFY(group);
-    QCOMPARE(group->title(), QStringLiteral("Przedziały wiekowe"));
+    QCOMPARE(group->title(), u"Przedziały wiekowe"_s);
     const auto* grid = qobject_cast<QGridLayout*>(group->layout());
     QVERIFY(grid);
     MonthEdit* edit = Limit(*dialog, key);
@@ -273,8 +275,8 @@ void TestDialogs::limitEditSitsOnItsRow()
     grid->getItemPosition(grid->indexOf(edit), &row, &at, &rowSpan, &columnSpan);
     QCOMPARE(at, column);
     QCOMPARE(GridText(*grid, row, 0), caption);
-    QCOMPARE(GridText(*grid, 0, 1), QStringLiteral("Wiek od (>)"));
-    QCOMPARE(GridText(*grid, 0, 2), QStringLiteral("Wiek do (<=)"));
+    QCOMPARE(GridText(*grid, 0, 1), u"Wiek od (>)"_s);
+    QCOMPARE(GridText(*grid, 0, 2), u"Wiek do (<=)"_s);
 }
 
 void TestDialogs::boundsWithoutKeyAreDisabledAndEmpty_data()
@@ -294,7 +296,7 @@ void TestDialogs::boundsWithoutKeyAreDisabledAndEmpty()
 {
     QFETCH(QString, name);
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     // Even a value under the edit's own name must not be shown.
     WriteAll(ini, CustomLimits() + name.toLatin1() + "=77\r\n");
     ParamCalls calls;
@@ -312,40 +314,40 @@ void TestDialogs::boundsWithoutKeyAreDisabledAndEmpty()
 void TestDialogs::displayOnlyEditIsNeitherLoadedNorSaved()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     WriteAll(ini, "[WIEK]\r\nHalvKrowMamekGrp_Opasy_Do_300KG_Wiek_Do=9\r\n");
     ParamCalls calls;
     auto dialog = OpenParam(ini, calls);
-    MonthEdit* edit = Limit(*dialog, QStringLiteral("HalvKrowMamekGrp_Opasy_Do_300KG_Wiek_Do"));
+    MonthEdit* edit = Limit(*dialog, u"HalvKrowMamekGrp_Opasy_Do_300KG_Wiek_Do"_s);
     QVERIFY(edit);
     QVERIFY(edit->isEnabled());
     QVERIFY(edit->text().isEmpty());
-    QTest::keyClicks(edit, QStringLiteral("12"));
-    QCOMPARE(edit->text(), QStringLiteral("12"));
+    QTest::keyClicks(edit, u"12"_s);
+    QCOMPARE(edit->text(), u"12"_s);
     QVERIFY(dialog->save());
     const QByteArray saved = ReadAll(ini);
     QCOMPARE(saved.count("Opasy"), 1); // the line that was there, left alone
     QVERIFY(!saved.contains("=12\r\n"));
     dialog = OpenParam(ini, calls);
-    QVERIFY(Limit(*dialog, QStringLiteral("HalvKrowMamekGrp_Opasy_Do_300KG_Wiek_Do"))->text().isEmpty());
+    QVERIFY(Limit(*dialog, u"HalvKrowMamekGrp_Opasy_Do_300KG_Wiek_Do"_s)->text().isEmpty());
 }
 
 void TestDialogs::saveAndLoadRoundTrip()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     WriteAll(ini, "[POMOC]\r\nEmail=a@b.pl\r\n");
     ParamCalls calls;
-    calls.picked = QStringLiteral("/dane/Zażółć gęślą jaźń");
+    calls.picked = u"/dane/Zażółć gęślą jaźń"_s;
     auto dialog = OpenParam(ini, calls);
     int value = 31;
     for (const auto& [key, defaultValue] : Defaults())
         Limit(*dialog, key)->setValue(value++);
     MonthEdit* typed = Limit(*dialog, Key("CieletaGrp_Ponad_220KG_Wiek_Od"));
     typed->clear();
-    QTest::keyClicks(typed, QStringLiteral("4x0")); // the letter is refused
+    QTest::keyClicks(typed, u"4x0"_s); // the letter is refused
     ClickButton(*dialog, "btnCsvFolder");
-    QCOMPARE(calls.pickerStarts, QStringList{QStringLiteral("/dane/EXPORT/")});
+    QCOMPARE(calls.pickerStarts, QStringList{u"/dane/EXPORT/"_s});
     ClickButton(*dialog, "btnOK");
     QCOMPARE(dialog->result(), int(QDialog::Accepted));
     QVERIFY(calls.errors.isEmpty());
@@ -354,17 +356,17 @@ void TestDialogs::saveAndLoadRoundTrip()
     value = 31;
     for (const auto& [key, defaultValue] : Defaults()) {
         const int expected = key == u"CieletaGrp_Ponad_220KG_Wiek_Od" ? 40 : value;
-        QCOMPARE(saved.readInteger(QStringLiteral("WIEK"), key, -1), expected);
+        QCOMPARE(saved.readInteger(u"WIEK"_s, key, -1), expected);
         ++value;
     }
-    QCOMPARE(saved.readString(QStringLiteral("POMOC"), QStringLiteral("Email"), {}), QStringLiteral("a@b.pl"));
-    const QByteArray csvLine = "CSV=" + QDir::toNativeSeparators(QStringLiteral("/dane/")).toLatin1() +
+    QCOMPARE(saved.readString(u"POMOC"_s, u"Email"_s, {}), u"a@b.pl"_s);
+    const QByteArray csvLine = "CSV=" + QDir::toNativeSeparators(u"/dane/"_s).toLatin1() +
                                "Za\xBF\xF3\xB3\xE6 g\xEA\x9Cl\xB9 ja\x9F\xF1\r\n";
     QVERIFY2(ReadAll(ini).contains("[PATHS]\r\n" + csvLine), ReadAll(ini).constData());
 
     dialog = OpenParam(ini, calls);
     QStringList expected = NumbersFrom(31, 20);
-    expected[9] = QStringLiteral("40");
+    expected[9] = u"40"_s;
     QCOMPARE(ShownLimits(*dialog), expected);
     QCOMPARE(CsvField(*dialog)->text(), QDir::toNativeSeparators(calls.picked));
 }
@@ -372,49 +374,49 @@ void TestDialogs::saveAndLoadRoundTrip()
 void TestDialogs::emptiedEditIsSavedAsZero()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     ParamCalls calls;
     const auto dialog = OpenParam(ini, calls);
     Limit(*dialog, Key("HalvOpasowGrp_Ponad_450KG_Wiek_Od"))->clear();
     QVERIFY(dialog->save());
-    QCOMPARE(IniFile(ini).readInteger(QStringLiteral("WIEK"), Key("HalvOpasowGrp_Ponad_450KG_Wiek_Od"), -1), 0);
-    QCOMPARE(IniFile(ini).readInteger(QStringLiteral("WIEK"), Key("HalvOpasowGrp_Do_150KG_Wiek_Do"), -1), 3);
+    QCOMPARE(IniFile(ini).readInteger(u"WIEK"_s, Key("HalvOpasowGrp_Ponad_450KG_Wiek_Od"), -1), 0);
+    QCOMPARE(IniFile(ini).readInteger(u"WIEK"_s, Key("HalvOpasowGrp_Do_150KG_Wiek_Do"), -1), 3);
 }
 
 void TestDialogs::groupsThousandsOutsideEditing()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     WriteAll(ini, "[WIEK]\r\nCieletaGrp_Do_150KG_Wiek_Do=1234567\r\nCieletaGrp_Ponad_220KG_Wiek_Od=-1500\r\n");
     ParamCalls calls;
     const auto dialog = OpenParam(ini, calls);
     MonthEdit* edit = Limit(*dialog, Key("CieletaGrp_Do_150KG_Wiek_Do"));
-    QCOMPARE(edit->text(), QStringLiteral("1\u00A0234\u00A0567"));
-    QCOMPARE(Limit(*dialog, Key("CieletaGrp_Ponad_220KG_Wiek_Od"))->text(), QStringLiteral("-1\u00A0500"));
+    QCOMPARE(edit->text(), u"1\u00A0234\u00A0567"_s);
+    QCOMPARE(Limit(*dialog, Key("CieletaGrp_Ponad_220KG_Wiek_Od"))->text(), u"-1\u00A0500"_s);
     QCOMPARE(edit->value(), 1234567);
     dialog->show();
     QVERIFY(QTest::qWaitForWindowExposed(dialog.get()));
     edit->setFocus();
-    QTRY_COMPARE(edit->text(), QStringLiteral("1234567"));
+    QTRY_COMPARE(edit->text(), u"1234567"_s);
     Limit(*dialog, Key("CieletaGrp_Od_150KG_Do_220KG_Wiek_Od"))->setFocus();
-    QTRY_COMPARE(edit->text(), QStringLiteral("1\u00A0234\u00A0567"));
+    QTRY_COMPARE(edit->text(), u"1\u00A0234\u00A0567"_s);
     QVERIFY(dialog->save());
-    QCOMPARE(IniFile(ini).readInteger(QStringLiteral("WIEK"), Key("CieletaGrp_Do_150KG_Wiek_Do"), -1), 1234567);
-    QCOMPARE(IniFile(ini).readInteger(QStringLiteral("WIEK"), Key("CieletaGrp_Ponad_220KG_Wiek_Od"), 0), -1500);
+    QCOMPARE(IniFile(ini).readInteger(u"WIEK"_s, Key("CieletaGrp_Do_150KG_Wiek_Do"), -1), 1234567);
+    QCOMPARE(IniFile(ini).readInteger(u"WIEK"_s, Key("CieletaGrp_Ponad_220KG_Wiek_Od"), 0), -1500);
 }
 
 void TestDialogs::cancelDiscards()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     const QByteArray before = CustomLimits() + "[PATHS]\r\nCSV=C:\\stary\r\n";
     WriteAll(ini, before);
     ParamCalls calls;
-    calls.picked = QStringLiteral("/nowy");
+    calls.picked = u"/nowy"_s;
     const auto dialog = OpenParam(ini, calls);
     Limit(*dialog, Key("CieletaGrp_Do_150KG_Wiek_Do"))->setValue(99);
     dialog->chooseCsvFolder();
-    QCOMPARE(CsvField(*dialog)->text(), QDir::toNativeSeparators(QStringLiteral("/nowy")));
+    QCOMPARE(CsvField(*dialog)->text(), QDir::toNativeSeparators(u"/nowy"_s));
     ClickButton(*dialog, "btnCancel");
     QCOMPARE(dialog->result(), int(QDialog::Rejected));
     QCOMPARE(ReadAll(ini), before);
@@ -423,25 +425,24 @@ void TestDialogs::cancelDiscards()
 void TestDialogs::restoreDefaultsYesErasesAtOnce()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     WriteAll(ini, CustomLimits() + "[PATHS]\r\nCSV=C:\\csv\r\n");
     ParamCalls calls;
     calls.answer = true;
     const auto dialog = OpenParam(ini, calls);
     QCOMPARE(ShownLimits(*dialog), NumbersFrom(21, 20));
     ClickButton(*dialog, "btnRestoreDefaults");
-    QCOMPARE(calls.questions, QStringList{QStringLiteral(
-                                  "Pytanie|Czy przywrócić wartości domyślne? Nie będzie można cofnąć przywrócenia. ")});
+    QCOMPARE(calls.questions, QStringList{u"Pytanie|Czy przywrócić wartości domyślne? Nie będzie można cofnąć przywrócenia. "_s});
     QCOMPARE(ReadAll(ini), QByteArray("[PATHS]\r\nCSV=C:\\csv\r\n"));
     QCOMPARE(ShownLimits(*dialog), FirstStartTexts());
     dialog->reject();
-    QVERIFY(!IniFile(ini).sectionExists(QStringLiteral("WIEK")));
+    QVERIFY(!IniFile(ini).sectionExists(u"WIEK"_s));
 }
 
 void TestDialogs::restoreDefaultsNoChangesNothing()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     const QByteArray before = CustomLimits();
     WriteAll(ini, before);
     ParamCalls calls;
@@ -452,32 +453,32 @@ void TestDialogs::restoreDefaultsNoChangesNothing()
     QCOMPARE(calls.questions.size(), 1);
     QCOMPARE(ReadAll(ini), before);
     QStringList expected = NumbersFrom(21, 20);
-    expected[14] = QStringLiteral("7");
+    expected[14] = u"7"_s;
     QCOMPARE(ShownLimits(*dialog), expected);
 }
 
 void TestDialogs::folderPickerCancelKeepsPath()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     WriteAll(ini, "[PATHS]\r\nCSV=/dane/Eksport\r\n");
     ParamCalls calls;
     const auto dialog = OpenParam(ini, calls);
     ClickButton(*dialog, "btnCsvFolder");
-    QCOMPARE(calls.pickerStarts, QStringList{QStringLiteral("/dane/Eksport")});
-    QCOMPARE(CsvField(*dialog)->text(), QStringLiteral("/dane/Eksport"));
+    QCOMPARE(calls.pickerStarts, QStringList{u"/dane/Eksport"_s});
+    QCOMPARE(CsvField(*dialog)->text(), u"/dane/Eksport"_s);
 }
 
 void TestDialogs::unwritableSettingsGiveMessage()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("brak/HALVARN.INI"));
+    const QString ini = dir.filePath(u"brak/HALVARN.INI"_s);
     ParamCalls calls;
     const auto dialog = OpenParam(ini, calls);
     dialog->show();
     QVERIFY(!dialog->save());
     QCOMPARE(calls.errors.size(), 1);
-    QVERIFY2(calls.errors[0].startsWith(QStringLiteral("Błąd...|")), qPrintable(calls.errors[0]));
+    QVERIFY2(calls.errors[0].startsWith(u"Błąd...|"_s), qPrintable(calls.errors[0]));
     QVERIFY2(calls.errors[0].contains(QDir::toNativeSeparators(ini)), qPrintable(calls.errors[0]));
     ClickButton(*dialog, "btnOK");
     QCOMPARE(calls.errors.size(), 2);
@@ -488,21 +489,21 @@ void TestDialogs::unwritableSettingsGiveMessage()
 void TestDialogs::openParametersSavesOnlyOnOk()
 {
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     WhenModal<TfGET_PARAM>([](TfGET_PARAM& dialog) {
         Limit(dialog, Key("CieletaGrp_Do_150KG_Wiek_Do"))->setValue(8);
         ClickButton(dialog, "btnCancel");
     });
-    OpenParameters(ini, QStringLiteral("/dane/EXPORT/"), nullptr);
+    OpenParameters(ini, u"/dane/EXPORT/"_s, nullptr);
     QVERIFY(!QFile::exists(ini));
     WhenModal<TfGET_PARAM>([](TfGET_PARAM& dialog) {
         Limit(dialog, Key("CieletaGrp_Do_150KG_Wiek_Do"))->setValue(8);
         ClickButton(dialog, "btnOK");
     });
-    OpenParameters(ini, QStringLiteral("/dane/EXPORT/"), nullptr);
-    QCOMPARE(IniFile(ini).readInteger(QStringLiteral("WIEK"), Key("CieletaGrp_Do_150KG_Wiek_Do"), -1), 8);
-    QCOMPARE(IniFile(ini).readString(QStringLiteral("PATHS"), QStringLiteral("CSV"), {}),
-             QStringLiteral("/dane/EXPORT/"));
+    OpenParameters(ini, u"/dane/EXPORT/"_s, nullptr);
+    QCOMPARE(IniFile(ini).readInteger(u"WIEK"_s, Key("CieletaGrp_Do_150KG_Wiek_Do"), -1), 8);
+    QCOMPARE(IniFile(ini).readString(u"PATHS"_s, u"CSV"_s, {}),
+             u"/dane/EXPORT/"_s);
 }
 
 void TestDialogs::herdDialog_data()
@@ -512,13 +513,13 @@ void TestDialogs::herdDialog_data()
     QTest::addColumn<bool>("checkAgain");
     QTest::addColumn<bool>("accepted");
     QTest::addColumn<QString>("herd");
-    QTest::newRow("confirmed at once") << false << QString() << false << true << QStringLiteral("ALL");
-    QTest::newRow("herd typed") << true << QStringLiteral("003") << false << true << QStringLiteral("003");
-    QTest::newRow("summary only") << true << QStringLiteral("000") << false << true << QStringLiteral("000");
+    QTest::newRow("confirmed at once") << false << QString() << false << true << u"ALL"_s;
+    QTest::newRow("herd typed") << true << u"003"_s << false << true << u"003"_s;
+    QTest::newRow("summary only") << true << u"000"_s << false << true << u"000"_s;
     QTest::newRow("field empty") << true << QString() << false << false << QString();
-    QTest::newRow("only blanks") << true << QStringLiteral("   ") << false << false << QString();
-    QTest::newRow("checked again") << true << QString() << true << true << QStringLiteral("ALL");
-    QTest::newRow("typed, checked again") << true << QStringLiteral("005") << true << true << QStringLiteral("ALL");
+    QTest::newRow("only blanks") << true << u"   "_s << false << false << QString();
+    QTest::newRow("checked again") << true << QString() << true << true << u"ALL"_s;
+    QTest::newRow("typed, checked again") << true << u"005"_s << true << true << u"ALL"_s;
 }
 
 void TestDialogs::herdDialog()
@@ -529,13 +530,13 @@ void TestDialogs::herdDialog()
     QFETCH(bool, accepted);
     QFETCH(QString, herd);
     TfGET_CO_EXP_WYDR dialog;
-    QCOMPARE(dialog.windowTitle(), QStringLiteral("Zakres dat"));
+    QCOMPARE(dialog.windowTitle(), u"Zakres dat"_s);
     dialog.show();
     QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-    auto* all = dialog.findChild<QCheckBox*>(QStringLiteral("edOgolem"));
-    auto* field = dialog.findChild<QLineEdit*>(QStringLiteral("edStado"));
+    auto* all = dialog.findChild<QCheckBox*>(u"edOgolem"_s);
+    auto* field = dialog.findChild<QLineEdit*>(u"edStado"_s);
     QVERIFY(all && field);
-    QCOMPARE(all->text(), QStringLiteral("Ogółem wraz z poszczególnymi stadami"));
+    QCOMPARE(all->text(), u"Ogółem wraz z poszczególnymi stadami"_s);
     QVERIFY(all->isChecked());
     QVERIFY(!field->isEnabled());
     if (uncheck) {
@@ -554,29 +555,29 @@ void TestDialogs::herdDialog()
     if (accepted)
         QCOMPARE(dialog.herd(), herd);
     else
-        QVERIFY(dialog.findChild<QLabel*>(QStringLiteral("lblBrakStada"))->isVisible());
+        QVERIFY(dialog.findChild<QLabel*>(u"lblBrakStada"_s)->isVisible());
 }
 
 void TestDialogs::askHerdLeavesHerdOnCancel()
 {
-    QString herd = QStringLiteral("007");
+    QString herd = u"007"_s;
     WhenModal<TfGET_CO_EXP_WYDR>([](TfGET_CO_EXP_WYDR& dialog) { ClickButton(dialog, "btnCancel"); });
     QCOMPARE(AskHerd(herd), int(QDialog::Rejected));
-    QCOMPARE(herd, QStringLiteral("007"));
+    QCOMPARE(herd, u"007"_s);
     WhenModal<TfGET_CO_EXP_WYDR>([](TfGET_CO_EXP_WYDR& dialog) { ClickButton(dialog, "btnOK"); });
     QCOMPARE(AskHerd(herd), int(QDialog::Accepted));
-    QCOMPARE(herd, QStringLiteral("ALL"));
+    QCOMPARE(herd, u"ALL"_s);
 }
 
 void TestDialogs::useDirection_data()
 {
     QTest::addColumn<QString>("choice");
     QTest::addColumn<QString>("code");
-    QTest::newRow("Do opasu") << QStringLiteral("Do opasu") << QStringLiteral("OP");
-    QTest::newRow("Mięsny") << QStringLiteral("Mięsny") << QStringLiteral("MI");
-    QTest::newRow("Mięsny do opasu") << QStringLiteral("Mięsny do opasu") << QStringLiteral("MIOP");
-    QTest::newRow("Mleczny") << QStringLiteral("Mleczny") << QStringLiteral("ML");
-    QTest::newRow("Mleczny do opasu") << QStringLiteral("Mleczny do opasu") << QStringLiteral("MLOP");
+    QTest::newRow("Do opasu") << u"Do opasu"_s << u"OP"_s;
+    QTest::newRow("Mięsny") << u"Mięsny"_s << u"MI"_s;
+    QTest::newRow("Mięsny do opasu") << u"Mięsny do opasu"_s << u"MIOP"_s;
+    QTest::newRow("Mleczny") << u"Mleczny"_s << u"ML"_s;
+    QTest::newRow("Mleczny do opasu") << u"Mleczny do opasu"_s << u"MLOP"_s;
     QTest::newRow("nothing chosen") << QString() << QString();
 }
 
@@ -585,8 +586,8 @@ void TestDialogs::useDirection()
     QFETCH(QString, choice);
     QFETCH(QString, code);
     TfGET_TUKU dialog;
-    QCOMPARE(dialog.windowTitle(), QStringLiteral("Wybór"));
-    QCOMPARE(dialog.findChild<QGroupBox*>()->title(), QStringLiteral("Kierunki użytkowania"));
+    QCOMPARE(dialog.windowTitle(), u"Wybór"_s);
+    QCOMPARE(dialog.findChild<QGroupBox*>()->title(), u"Kierunki użytkowania"_s);
     const auto choices = dialog.findChildren<QRadioButton*>();
     QCOMPARE(choices.size(), 5);
     for (const QRadioButton* button : choices)
@@ -594,7 +595,7 @@ void TestDialogs::useDirection()
     if (!choice.isEmpty()) {
         QRadioButton* button = Choice(dialog, choice);
         QVERIFY(button);
-        Choice(dialog, QStringLiteral("Mleczny do opasu"))->click(); // a change of mind first
+        Choice(dialog, u"Mleczny do opasu"_s)->click(); // a change of mind first
         button->click();
     }
     ClickButton(dialog, "btnOK");
@@ -604,19 +605,19 @@ void TestDialogs::useDirection()
 
 void TestDialogs::askUseDirectionEmptiesFirst()
 {
-    QString first = QStringLiteral("x");
-    QString code = QStringLiteral("OP");
+    QString first = u"x"_s;
+    QString code = u"OP"_s;
     WhenModal<TfGET_TUKU>([](TfGET_TUKU& dialog) {
-        Choice(dialog, QStringLiteral("Mięsny"))->click();
+        Choice(dialog, u"Mięsny"_s)->click();
         ClickButton(dialog, "btnOK");
     });
     QCOMPARE(AskUseDirection(first, code), int(QDialog::Accepted));
-    QCOMPARE(code, QStringLiteral("MI"));
+    QCOMPARE(code, u"MI"_s);
     QVERIFY(first.isEmpty());
 
-    first = QStringLiteral("x");
+    first = u"x"_s;
     WhenModal<TfGET_TUKU>([](TfGET_TUKU& dialog) {
-        Choice(dialog, QStringLiteral("Mleczny"))->click();
+        Choice(dialog, u"Mleczny"_s)->click();
         ClickButton(dialog, "btnCancel");
     });
     QCOMPARE(AskUseDirection(first, code), int(QDialog::Rejected));
@@ -629,10 +630,10 @@ void TestDialogs::aboutShowsSupportAndVersion_data()
     QTest::addColumn<QByteArray>("settings");
     QTest::addColumn<QString>("support");
     QTest::newRow("configured") << QByteArray("[POMOC]\r\nEmail=serwis@przyklad.pl\r\n")
-                                << QStringLiteral("Pomoc techniczna: serwis@przyklad.pl");
-    QTest::newRow("no file") << QByteArray() << QStringLiteral("Pomoc techniczna: pomoc@fernhill.pl");
+                                << u"Pomoc techniczna: serwis@przyklad.pl"_s;
+    QTest::newRow("no file") << QByteArray() << u"Pomoc techniczna: pomoc@fernhill.pl"_s;
     QTest::newRow("empty value") << QByteArray("[POMOC]\r\nEmail=\r\n")
-                                 << QStringLiteral("Pomoc techniczna: pomoc@fernhill.pl");
+                                 << u"Pomoc techniczna: pomoc@fernhill.pl"_s;
 }
 
 void TestDialogs::aboutShowsSupportAndVersion()
@@ -640,17 +641,17 @@ void TestDialogs::aboutShowsSupportAndVersion()
     QFETCH(QByteArray, settings);
     QFETCH(QString, support);
     QTemporaryDir dir;
-    const QString ini = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString ini = dir.filePath(u"HALVARN.INI"_s);
     if (!settings.isEmpty())
         WriteAll(ini, settings);
-    QCoreApplication::setApplicationVersion(QStringLiteral("7.6.5.4"));
+    QCoreApplication::setApplicationVersion(u"7.6.5.4"_s);
     TfAbout about(ini);
-    QCOMPARE(about.windowTitle(), QStringLiteral("O programie"));
+    QCOMPARE(about.windowTitle(), u"O programie"_s);
     QStringList texts;
     for (const QLabel* label : about.findChildren<QLabel*>())
         texts << label->text();
     QVERIFY2(texts.contains(support), qPrintable(texts.join(u'\n')));
-    QVERIFY2(texts.filter(QStringLiteral("7.6.5.4")).size() == 1, qPrintable(texts.join(u'\n')));
+    QVERIFY2(texts.filter(u"7.6.5.4"_s).size() == 1, qPrintable(texts.join(u'\n')));
     QCOMPARE(about.findChildren<QAbstractButton*>().size(), 1);
 }
 

@@ -20,6 +20,8 @@
 #include <QTest>
 #include <QTreeView>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 struct Animal {
     const char* stado;
@@ -57,9 +59,9 @@ void Append(Table& table, const Animal& animal)
     table.setValue(u"DataUrodzenia", animal.born);
     table.setValue(u"Wiek", animal.wiek);
     table.setValue(u"TypUzytkowy", Text(animal.typ));
-    table.setValue(u"KierunekUzytkowania", QStringLiteral("użytkowy"));
-    table.setValue(u"Rozpatrzono", QStringLiteral("D"));
-    table.setValue(u"GdzieRozpatrzono", QStringLiteral("Krowy, 24 > Wiek"));
+    table.setValue(u"KierunekUzytkowania", u"użytkowy"_s);
+    table.setValue(u"Rozpatrzono", u"D"_s);
+    table.setValue(u"GdzieRozpatrzono", u"Krowy, 24 > Wiek"_s);
     table.setValue(u"CzyMatka", animal.mother);
     if (table.fieldIndex(u"ZAZNACZONE") >= 0)
         table.setValue(u"ZAZNACZONE", false);
@@ -75,7 +77,7 @@ void AppendHerd(Table& table)
 // An animal of herd "001" whose number and age follow from `n`.
 void AppendNumbered(Table& table, int n)
 {
-    const QByteArray numer = QStringLiteral("PL%1").arg(n, 6, 10, QLatin1Char('0')).toLatin1();
+    const QByteArray numer = u"PL%1"_s.arg(n, 6, 10, QLatin1Char('0')).toLatin1();
     Append(table, {"001", numer.constData(), n % 2 ? "XY" : "XX", QDate(2020, 1, 1).addDays(n), n % 97, "mleczny",
                    n % 3 == 0 ? 1 : 0});
 }
@@ -85,7 +87,7 @@ void AppendGroup(Table& table, int id, const QString& caption, int count)
     table.append();
     table.setValue(u"ID", id);
     table.setValue(u"GT", caption);
-    table.setValue(u"ZakresWieku", QStringLiteral("6 > Wiek <= 19"));
+    table.setValue(u"ZakresWieku", u"6 > Wiek <= 19"_s);
     table.setValue(u"Ilosc", count);
     table.setValue(u"IloscPom", 0);
     table.post();
@@ -239,48 +241,48 @@ void TestGrids::columnsOfTheGrids_data()
     QTest::addColumn<QStringList>("names");
     QTest::addColumn<QString>("alignments");
     QTest::newRow("herd animals")
-        << QStringLiteral("herd")
-        << QStringList{QStringLiteral("Numer identyfikacyjny"), QStringLiteral("Plec"),
-                       QStringLiteral("Data urodzenia"),        QStringLiteral("Wiek"),
-                       QStringLiteral("Typ uzytkowy"),          QStringLiteral("Kierunek uzytkowania"),
-                       QStringLiteral("Rozpatrzono"),           QStringLiteral("Czy matka"),
-                       QStringLiteral("Gdzie rozpatrzono")}
-        << QStringList{QStringLiteral("clNumerIdentyfikacyjny"), QStringLiteral("clPlec"),
-                       QStringLiteral("clDataUrodzenia"),        QStringLiteral("clWiek"),
-                       QStringLiteral("clTypUzytkowy"),          QStringLiteral("clKierunekUzytkowania"),
-                       QStringLiteral("clRozpatrzono"),          QStringLiteral("clCzyMatka"),
-                       QStringLiteral("clGdzieRozpatrzono")}
-        << QStringLiteral("LLLRLLCRL");
-    QTest::newRow("groups") << QStringLiteral("groups")
-                            << QStringList{QStringLiteral("GT"), QStringLiteral("ZakresWieku"), QStringLiteral("Ilosc"),
-                                           QStringLiteral("Inf. dod.")}
-                            << QStringList{QStringLiteral("clGT"), QStringLiteral("clZakresWieku"),
-                                           QStringLiteral("clIlosc"), QStringLiteral("clIloscPom")}
-                            << QStringLiteral("LLRR");
-    QTest::newRow("summary") << QStringLiteral("summary")
-                             << QStringList{QStringLiteral("Z"),
-                                            QStringLiteral("Stado"),
-                                            QStringLiteral("Numer identyfikacyjny"),
-                                            QStringLiteral("Plec"),
-                                            QStringLiteral("Data urodzenia"),
-                                            QStringLiteral("Wiek"),
-                                            QStringLiteral("Typ uzytkowy"),
-                                            QStringLiteral("Kierunek uzytkowania"),
-                                            QStringLiteral("Rozpatrzono"),
-                                            QStringLiteral("Gdzie rozpatrzono"),
-                                            QStringLiteral("Czy matka")}
-                             << QStringList{QStringLiteral("clZAZNACZONE"),
-                                            QStringLiteral("clSTADO"),
-                                            QStringLiteral("clNumerIdentyfikacyjny"),
-                                            QStringLiteral("clPlec"),
-                                            QStringLiteral("clDataUrodzenia"),
-                                            QStringLiteral("clWiek"),
-                                            QStringLiteral("clTypUzytkowy"),
-                                            QStringLiteral("clKierunekUzytkowania"),
-                                            QStringLiteral("clRozpatrzono"),
-                                            QStringLiteral("clGdzieRozpatrzono"),
-                                            QStringLiteral("clCzyMatka")}
-                             << QStringLiteral("CLLLLRLLCLR");
+        << u"herd"_s
+        << QStringList{u"Numer identyfikacyjny"_s, u"Plec"_s,
+                       u"Data urodzenia"_s,        u"Wiek"_s,
+                       u"Typ uzytkowy"_s,          u"Kierunek uzytkowania"_s,
+                       u"Rozpatrzono"_s,           u"Czy matka"_s,
+                       u"Gdzie rozpatrzono"_s}
+        << QStringList{u"clNumerIdentyfikacyjny"_s, u"clPlec"_s,
+                       u"clDataUrodzenia"_s,        u"clWiek"_s,
+                       u"clTypUzytkowy"_s,          u"clKierunekUzytkowania"_s,
+                       u"clRozpatrzono"_s,          u"clCzyMatka"_s,
+                       u"clGdzieRozpatrzono"_s}
+        << u"LLLRLLCRL"_s;
+    QTest::newRow("groups") << u"groups"_s
+                            << QStringList{u"GT"_s, u"ZakresWieku"_s, u"Ilosc"_s,
+                                           u"Inf. dod."_s}
+                            << QStringList{u"clGT"_s, u"clZakresWieku"_s,
+                                           u"clIlosc"_s, u"clIloscPom"_s}
+                            << u"LLRR"_s;
+    QTest::newRow("summary") << u"summary"_s
+                             << QStringList{u"Z"_s,
+                                            u"Stado"_s,
+                                            u"Numer identyfikacyjny"_s,
+                                            u"Plec"_s,
+                                            u"Data urodzenia"_s,
+                                            u"Wiek"_s,
+                                            u"Typ uzytkowy"_s,
+                                            u"Kierunek uzytkowania"_s,
+                                            u"Rozpatrzono"_s,
+                                            u"Gdzie rozpatrzono"_s,
+                                            u"Czy matka"_s}
+                             << QStringList{u"clZAZNACZONE"_s,
+                                            u"clSTADO"_s,
+                                            u"clNumerIdentyfikacyjny"_s,
+                                            u"clPlec"_s,
+                                            u"clDataUrodzenia"_s,
+                                            u"clWiek"_s,
+                                            u"clTypUzytkowy"_s,
+                                            u"clKierunekUzytkowania"_s,
+                                            u"clRozpatrzono"_s,
+                                            u"clGdzieRozpatrzono"_s,
+                                            u"clCzyMatka"_s}
+                             << u"CLLLLRLLCLR"_s;
 }
 
 void TestGrids::columnsOfTheGrids()
@@ -291,7 +293,7 @@ void TestGrids::columnsOfTheGrids()
     QFETCH(QString, alignments);
     AppendHerd(*herd_);
     AppendHerd(*summary_);
-    AppendGroup(*groups_, 1, QStringLiteral("Krowy"), 3);
+    AppendGroup(*groups_, 1, u"Krowy"_s, 3);
     std::unique_ptr<QWidget> widget;
     QAbstractItemModel* model = nullptr;
     if (grid == u"summary") {
@@ -315,19 +317,19 @@ void TestGrids::cellsShowDisplayTexts()
     AppendHerd(*summary_);
     TableGrid herdGrid(*herd_, GridKind::HerdAnimals);
     const QAbstractItemModel& herd = *herdGrid.view()->model();
-    QCOMPARE(herd.index(0, 0).data().toString(), QStringLiteral("PL0005"));
-    QCOMPARE(herd.index(0, 2).data().toString(), QStringLiteral("10.03.2020"));
-    QCOMPARE(herd.index(0, 3).data().toString(), QStringLiteral("80"));
-    QCOMPARE(herd.index(0, 7).data().toString(), QStringLiteral("1"));
-    QCOMPARE(herd.index(1, 4).data().toString(), QStringLiteral("Łączony"));
+    QCOMPARE(herd.index(0, 0).data().toString(), u"PL0005"_s);
+    QCOMPARE(herd.index(0, 2).data().toString(), u"10.03.2020"_s);
+    QCOMPARE(herd.index(0, 3).data().toString(), u"80"_s);
+    QCOMPARE(herd.index(0, 7).data().toString(), u"1"_s);
+    QCOMPARE(herd.index(1, 4).data().toString(), u"Łączony"_s);
 
     SummaryGrid summaryGrid(*summary_);
     const QAbstractItemModel& summary = *summaryGrid.view()->model();
     QCOMPARE(summary.index(0, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
     QVERIFY(summary.index(0, 0).data().toString().isEmpty()); // the check box says it all
-    QCOMPARE(summary.index(0, 1).data().toString(), QStringLiteral("002"));
-    QCOMPARE(summary.index(0, 4).data().toString(), QStringLiteral("10.03.2020"));
-    QCOMPARE(summary.index(0, 10).data().toString(), QStringLiteral("1"));
+    QCOMPARE(summary.index(0, 1).data().toString(), u"002"_s);
+    QCOMPARE(summary.index(0, 4).data().toString(), u"10.03.2020"_s);
+    QCOMPARE(summary.index(0, 10).data().toString(), u"1"_s);
 }
 
 void TestGrids::tableGridFootersCountAndSum_data()
@@ -338,10 +340,10 @@ void TestGrids::tableGridFootersCountAndSum_data()
     QTest::addColumn<QString>("count");
     QTest::addColumn<QString>("sum");
     QTest::newRow("herd animals: animals and mothers")
-        << false << QStringLiteral("NumerIdentyfikacyjny") << QStringLiteral("CzyMatka") << QStringLiteral("6")
-        << QStringLiteral("3");
+        << false << u"NumerIdentyfikacyjny"_s << u"CzyMatka"_s << u"6"_s
+        << u"3"_s;
     QTest::newRow("groups: rows and animals")
-        << true << QStringLiteral("GT") << QStringLiteral("Ilosc") << QStringLiteral("3") << QStringLiteral("42");
+        << true << u"GT"_s << u"Ilosc"_s << u"3"_s << u"42"_s;
 }
 
 void TestGrids::tableGridFootersCountAndSum()
@@ -352,14 +354,14 @@ void TestGrids::tableGridFootersCountAndSum()
     QFETCH(QString, count);
     QFETCH(QString, sum);
     AppendHerd(*herd_);
-    AppendGroup(*groups_, 1, QStringLiteral("Krowy"), 30);
-    AppendGroup(*groups_, 2, QStringLiteral("  - Cielęta (samice)"), 0);
-    AppendGroup(*groups_, 3, QStringLiteral("Opasy"), 12);
+    AppendGroup(*groups_, 1, u"Krowy"_s, 30);
+    AppendGroup(*groups_, 2, u"  - Cielęta (samice)"_s, 0);
+    AppendGroup(*groups_, 3, u"Opasy"_s, 12);
     TableGrid grid(groupGrid ? *groups_ : *herd_, groupGrid ? GridKind::Groups : GridKind::HerdAnimals);
     QCOMPARE(grid.footerText(countField), count);
     QCOMPARE(grid.footerText(sumField), sum);
-    QVERIFY(grid.footerText(QStringLiteral("Plec")).isEmpty());
-    QVERIFY(grid.footerText(QStringLiteral("ZakresWieku")).isEmpty());
+    QVERIFY(grid.footerText(u"Plec"_s).isEmpty());
+    QVERIFY(grid.footerText(u"ZakresWieku"_s).isEmpty());
 }
 
 void TestGrids::tableGridIsReadOnlyAndFollowsItsTable()
@@ -372,22 +374,22 @@ void TestGrids::tableGridIsReadOnlyAndFollowsItsTable()
 
     Append(*herd_, {"001", "PL0099", "XX", QDate(2021, 1, 1), 40, "mleczny", 1});
     QCOMPARE(view.model()->rowCount(), 7);
-    QCOMPARE(view.model()->index(6, 0).data().toString(), QStringLiteral("PL0099"));
-    QCOMPARE(grid.footerText(QStringLiteral("CzyMatka")), QStringLiteral("4"));
+    QCOMPARE(view.model()->index(6, 0).data().toString(), u"PL0099"_s);
+    QCOMPARE(grid.footerText(u"CzyMatka"_s), u"4"_s);
 
     herd_->moveTo(0);
     herd_->remove();
     QCOMPARE(view.model()->rowCount(), 6);
-    QCOMPARE(view.model()->index(0, 0).data().toString(), QStringLiteral("PL0001"));
-    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("6"));
-    QCOMPARE(grid.footerText(QStringLiteral("CzyMatka")), QStringLiteral("3"));
+    QCOMPARE(view.model()->index(0, 0).data().toString(), u"PL0001"_s);
+    QCOMPARE(grid.footerText(u"NumerIdentyfikacyjny"_s), u"6"_s);
+    QCOMPARE(grid.footerText(u"CzyMatka"_s), u"3"_s);
 
-    tables_->MarkAnimalReviewed(*herd_, QStringLiteral("MM"), QStringLiteral("Mamki"));
-    QCOMPARE(view.model()->index(herd_->recNo(), 6).data().toString(), QStringLiteral("MM"));
+    tables_->MarkAnimalReviewed(*herd_, u"MM"_s, u"Mamki"_s);
+    QCOMPARE(view.model()->index(herd_->recNo(), 6).data().toString(), u"MM"_s);
 
     tables_->ClearTable(*herd_);
     QCOMPARE(view.model()->rowCount(), 0);
-    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("0"));
+    QCOMPARE(grid.footerText(u"NumerIdentyfikacyjny"_s), u"0"_s);
 }
 
 void TestGrids::footerFollowsColumnWidthsAndScrolling_data()
@@ -416,17 +418,17 @@ void TestGrids::footerFollowsColumnWidthsAndScrolling()
     grid->resize(500, 300);
     grid->show();
     QVERIFY(QTest::qWaitForWindowExposed(grid.get()));
-    auto* footer = grid->findChild<GridFooter*>(QStringLiteral("footer"));
+    auto* footer = grid->findChild<GridFooter*>(u"footer"_s);
     QVERIFY(footer);
     const QStringList captions = HeaderTexts(*view->model(), Qt::DisplayRole);
-    const int mothers = static_cast<int>(captions.indexOf(QStringLiteral("Czy matka")));
+    const int mothers = static_cast<int>(captions.indexOf(u"Czy matka"_s));
     QHeaderView& header =
         *(summaryGrid ? static_cast<QTreeView*>(view)->header() : static_cast<QTableView*>(view)->horizontalHeader());
     const auto underHeader = [&] {
         return header.mapTo(grid.get(), QPoint(header.sectionViewportPosition(mothers), 0)).x() -
                footer->mapTo(grid.get(), QPoint()).x();
     };
-    QCOMPARE(footer->text(mothers), QStringLiteral("3"));
+    QCOMPARE(footer->text(mothers), u"3"_s);
     QCOMPARE(footer->cellRect(mothers).x(), underHeader());
     QCOMPARE(footer->cellRect(mothers).width(), header.sectionSize(mothers));
 
@@ -446,13 +448,13 @@ void TestGrids::summaryFooterCountsTheRowsShown_data()
     QTest::addColumn<QStringList>("accepted");
     QTest::addColumn<QString>("animals");
     QTest::addColumn<QString>("mothers");
-    QTest::newRow("no filter") << QString() << QStringList() << QStringLiteral("6") << QStringLiteral("3");
-    QTest::newRow("herd 001") << QStringLiteral("STADO") << QStringList{QStringLiteral("001")} << QStringLiteral("3")
-                              << QStringLiteral("2");
-    QTest::newRow("males") << QStringLiteral("Plec") << QStringList{QStringLiteral("XY")} << QStringLiteral("2")
-                           << QStringLiteral("0");
-    QTest::newRow("nothing passes") << QStringLiteral("Plec") << QStringList{QStringLiteral("?")} << QStringLiteral("0")
-                                    << QStringLiteral("0");
+    QTest::newRow("no filter") << QString() << QStringList() << u"6"_s << u"3"_s;
+    QTest::newRow("herd 001") << u"STADO"_s << QStringList{u"001"_s} << u"3"_s
+                              << u"2"_s;
+    QTest::newRow("males") << u"Plec"_s << QStringList{u"XY"_s} << u"2"_s
+                           << u"0"_s;
+    QTest::newRow("nothing passes") << u"Plec"_s << QStringList{u"?"_s} << u"0"_s
+                                    << u"0"_s;
 }
 
 void TestGrids::summaryFooterCountsTheRowsShown()
@@ -465,12 +467,12 @@ void TestGrids::summaryFooterCountsTheRowsShown()
     SummaryGrid grid(*summary_);
     if (!field.isEmpty())
         grid.setColumnFilter(field, accepted);
-    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), animals);
-    QCOMPARE(grid.footerText(QStringLiteral("CzyMatka")), mothers);
+    QCOMPARE(grid.footerText(u"NumerIdentyfikacyjny"_s), animals);
+    QCOMPARE(grid.footerText(u"CzyMatka"_s), mothers);
     // Grouping and collapsing hide no animal from the totals.
-    grid.groupByField(QStringLiteral("STADO"));
+    grid.groupByField(u"STADO"_s);
     grid.setGroupExpanded(0, false);
-    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), animals);
+    QCOMPARE(grid.footerText(u"NumerIdentyfikacyjny"_s), animals);
 }
 
 void TestGrids::markingPostsAndRedrawsTheWholeRow()
@@ -509,9 +511,9 @@ void TestGrids::markingPostsAndRedrawsTheWholeRow()
     // Only the mark is editable, and only as a check box.
     QVERIFY(model.flags(model.index(0, 0)) & Qt::ItemIsUserCheckable);
     QVERIFY(!(model.flags(model.index(0, 1)) & (Qt::ItemIsUserCheckable | Qt::ItemIsEditable)));
-    QVERIFY(!model.setData(model.index(0, 1), QStringLiteral("999"), Qt::EditRole));
+    QVERIFY(!model.setData(model.index(0, 1), u"999"_s, Qt::EditRole));
     QVERIFY(!model.setData(model.index(0, 2), Qt::Checked, Qt::CheckStateRole));
-    QCOMPARE(summary_->at(0, summary_->requireField(u"STADO")), FieldValue(QStringLiteral("002")));
+    QCOMPARE(summary_->at(0, summary_->requireField(u"STADO")), FieldValue(u"002"_s));
 }
 
 void TestGrids::markingKeepsCurrentRowAndScrollPosition()
@@ -519,7 +521,7 @@ void TestGrids::markingKeepsCurrentRowAndScrollPosition()
     for (int n = 0; n < 300; ++n)
         AppendNumbered(*summary_, n);
     SummaryGrid grid(*summary_);
-    grid.sortByField(QStringLiteral("Wiek"), Qt::DescendingOrder);
+    grid.sortByField(u"Wiek"_s, Qt::DescendingOrder);
     grid.resize(900, 400);
     grid.show();
     QVERIFY(QTest::qWaitForWindowExposed(&grid));
@@ -545,19 +547,19 @@ void TestGrids::markingUnderAFilterOnTheMarkRelaysOut()
     SetMark(*summary_, 1, true);
     SetMark(*summary_, 4, true);
     SummaryGrid grid(*summary_);
-    grid.setColumnFilter(QStringLiteral("ZAZNACZONE"), {QStringLiteral("True")});
+    grid.setColumnFilter(u"ZAZNACZONE"_s, {u"True"_s});
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{1, 4}));
-    QCOMPARE(grid.filterDescription(), QStringLiteral("Filtr: Z = Zaznaczone"));
+    QCOMPARE(grid.filterDescription(), u"Filtr: Z = Zaznaczone"_s);
     QAbstractItemModel& model = *grid.view()->model();
     grid.view()->setCurrentIndex(model.index(1, 2));
     QVERIFY(model.setData(model.index(0, 0), Qt::Unchecked, Qt::CheckStateRole));
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{4}));
-    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("1"));
+    QCOMPARE(grid.footerText(u"NumerIdentyfikacyjny"_s), u"1"_s);
     // The current row moved up with its record.
     QCOMPARE(grid.model()->recordAt(grid.view()->currentIndex()), 4);
 
     grid.clearFilters();
-    grid.sortByField(QStringLiteral("ZAZNACZONE"), Qt::DescendingOrder);
+    grid.sortByField(u"ZAZNACZONE"_s, Qt::DescendingOrder);
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{4, 0, 1, 2, 3, 5}));
     SetMark(*summary_, 2, true);
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{2, 4, 0, 1, 3, 5}));
@@ -574,46 +576,46 @@ void TestGrids::displayOrder_data()
     const QString none;
     const QStringList noFilter;
     QTest::newRow("table order") << noFilter << none << false << none << -1 << QList<int>{0, 1, 2, 3, 4, 5};
-    QTest::newRow("filter on one value") << QStringList{QStringLiteral("STADO=001")} << none << false << none << -1
+    QTest::newRow("filter on one value") << QStringList{u"STADO=001"_s} << none << false << none << -1
                                          << QList<int>{1, 2, 5};
     QTest::newRow("filter on two values")
-        << QStringList{QStringLiteral("STADO=001|003")} << none << false << none << -1 << QList<int>{1, 2, 3, 5};
-    QTest::newRow("filters on two columns") << QStringList{QStringLiteral("STADO=001|002"), QStringLiteral("Plec=XX")}
+        << QStringList{u"STADO=001|003"_s} << none << false << none << -1 << QList<int>{1, 2, 3, 5};
+    QTest::newRow("filters on two columns") << QStringList{u"STADO=001|002"_s, u"Plec=XX"_s}
                                             << none << false << none << -1 << QList<int>{0, 2, 5};
     QTest::newRow("filter on a date as shown")
-        << QStringList{QStringLiteral("DataUrodzenia=10.03.2020")} << none << false << none << -1 << QList<int>{0};
-    QTest::newRow("filter on a blank") << QStringList{QStringLiteral("TypUzytkowy=")} << none << false << none << -1
+        << QStringList{u"DataUrodzenia=10.03.2020"_s} << none << false << none << -1 << QList<int>{0};
+    QTest::newRow("filter on a blank") << QStringList{u"TypUzytkowy="_s} << none << false << none << -1
                                        << QList<int>{5};
-    QTest::newRow("Wiek as numbers") << noFilter << QStringLiteral("Wiek") << false << none << -1
+    QTest::newRow("Wiek as numbers") << noFilter << u"Wiek"_s << false << none << -1
                                      << QList<int>{5, 1, 4, 3, 0, 2};
-    QTest::newRow("Wiek descending") << noFilter << QStringLiteral("Wiek") << true << none << -1
+    QTest::newRow("Wiek descending") << noFilter << u"Wiek"_s << true << none << -1
                                      << QList<int>{2, 0, 3, 4, 1, 5};
     QTest::newRow("birth dates as dates")
-        << noFilter << QStringLiteral("DataUrodzenia") << false << none << -1 << QList<int>{2, 5, 0, 4, 1, 3};
+        << noFilter << u"DataUrodzenia"_s << false << none << -1 << QList<int>{2, 5, 0, 4, 1, 3};
     QTest::newRow("birth dates descending")
-        << noFilter << QStringLiteral("DataUrodzenia") << true << none << -1 << QList<int>{3, 1, 4, 0, 5, 2};
+        << noFilter << u"DataUrodzenia"_s << true << none << -1 << QList<int>{3, 1, 4, 0, 5, 2};
     QTest::newRow("texts, ties in table order")
-        << noFilter << QStringLiteral("Plec") << false << none << -1 << QList<int>{0, 2, 3, 5, 1, 4};
+        << noFilter << u"Plec"_s << false << none << -1 << QList<int>{0, 2, 3, 5, 1, 4};
     QTest::newRow("texts descending, ties in table order")
-        << noFilter << QStringLiteral("Plec") << true << none << -1 << QList<int>{1, 4, 0, 2, 3, 5};
+        << noFilter << u"Plec"_s << true << none << -1 << QList<int>{1, 4, 0, 2, 3, 5};
     QTest::newRow("Polish letters, blank first")
-        << noFilter << QStringLiteral("TypUzytkowy") << false << none << -1 << QList<int>{5, 3, 1, 4, 0, 2};
-    QTest::newRow("sort under a filter") << QStringList{QStringLiteral("Plec=XX")} << QStringLiteral("Wiek") << false
+        << noFilter << u"TypUzytkowy"_s << false << none << -1 << QList<int>{5, 3, 1, 4, 0, 2};
+    QTest::newRow("sort under a filter") << QStringList{u"Plec=XX"_s} << u"Wiek"_s << false
                                          << none << -1 << QList<int>{5, 3, 0, 2};
-    QTest::newRow("groups by herd") << noFilter << none << false << QStringLiteral("STADO") << -1
+    QTest::newRow("groups by herd") << noFilter << none << false << u"STADO"_s << -1
                                     << QList<int>{1, 2, 5, 0, 4, 3};
     QTest::newRow("groups by herd, rows by age")
-        << noFilter << QStringLiteral("Wiek") << false << QStringLiteral("STADO") << -1 << QList<int>{5, 1, 2, 4, 0, 3};
+        << noFilter << u"Wiek"_s << false << u"STADO"_s << -1 << QList<int>{5, 1, 2, 4, 0, 3};
     QTest::newRow("groups ascending while rows descend")
-        << noFilter << QStringLiteral("Wiek") << true << QStringLiteral("STADO") << -1 << QList<int>{2, 1, 5, 0, 4, 3};
+        << noFilter << u"Wiek"_s << true << u"STADO"_s << -1 << QList<int>{2, 1, 5, 0, 4, 3};
     QTest::newRow("groups follow a descending sort on their field")
-        << noFilter << QStringLiteral("STADO") << true << QStringLiteral("STADO") << -1 << QList<int>{3, 0, 4, 1, 2, 5};
+        << noFilter << u"STADO"_s << true << u"STADO"_s << -1 << QList<int>{3, 0, 4, 1, 2, 5};
     QTest::newRow("groups by date in date order")
-        << noFilter << none << false << QStringLiteral("DataUrodzenia") << -1 << QList<int>{2, 5, 0, 4, 1, 3};
+        << noFilter << none << false << u"DataUrodzenia"_s << -1 << QList<int>{2, 5, 0, 4, 1, 3};
     QTest::newRow("collapsed group skipped")
-        << noFilter << none << false << QStringLiteral("STADO") << 1 << QList<int>{1, 2, 5, 3};
-    QTest::newRow("groups under a filter") << QStringList{QStringLiteral("Plec=XX")} << QStringLiteral("Wiek") << true
-                                           << QStringLiteral("STADO") << 2 << QList<int>{2, 5, 0};
+        << noFilter << none << false << u"STADO"_s << 1 << QList<int>{1, 2, 5, 3};
+    QTest::newRow("groups under a filter") << QStringList{u"Plec=XX"_s} << u"Wiek"_s << true
+                                           << u"STADO"_s << 2 << QList<int>{2, 5, 0};
 }
 
 void TestGrids::displayOrder()
@@ -649,22 +651,22 @@ void TestGrids::groupRowsShowCaptionValueAndCount()
 {
     AppendHerd(*summary_);
     SummaryGrid grid(*summary_);
-    grid.groupByField(QStringLiteral("STADO"));
+    grid.groupByField(u"STADO"_s);
     const QAbstractItemModel& model = *grid.view()->model();
     QCOMPARE(model.rowCount(), 3);
-    QCOMPARE(model.index(0, 0).data().toString(), QStringLiteral("Stado: 001 (3)"));
-    QCOMPARE(model.index(1, 0).data().toString(), QStringLiteral("Stado: 002 (2)"));
-    QCOMPARE(model.index(2, 0).data().toString(), QStringLiteral("Stado: 003 (1)"));
+    QCOMPARE(model.index(0, 0).data().toString(), u"Stado: 001 (3)"_s);
+    QCOMPARE(model.index(1, 0).data().toString(), u"Stado: 002 (2)"_s);
+    QCOMPARE(model.index(2, 0).data().toString(), u"Stado: 003 (1)"_s);
     QVERIFY(grid.view()->isExpanded(model.index(1, 0)));
     QCOMPARE(model.rowCount(model.index(1, 0)), 2);
-    QCOMPARE(model.index(0, 2, model.index(1, 0)).data().toString(), QStringLiteral("PL0005"));
+    QCOMPARE(model.index(0, 2, model.index(1, 0)).data().toString(), u"PL0005"_s);
     QCOMPARE(model.parent(model.index(0, 2, model.index(1, 0))), model.index(1, 0));
     QVERIFY(!(model.flags(model.index(0, 0)) & Qt::ItemIsUserCheckable));
 
-    grid.setColumnFilter(QStringLiteral("Plec"), {QStringLiteral("XY")});
-    QCOMPARE(model.index(0, 0).data().toString(), QStringLiteral("Stado: 001 (1)"));
-    grid.groupByField(QStringLiteral("ZAZNACZONE"));
-    QCOMPARE(model.index(0, 0).data().toString(), QStringLiteral("Z: Niezaznaczone (2)"));
+    grid.setColumnFilter(u"Plec"_s, {u"XY"_s});
+    QCOMPARE(model.index(0, 0).data().toString(), u"Stado: 001 (1)"_s);
+    grid.groupByField(u"ZAZNACZONE"_s);
+    QCOMPARE(model.index(0, 0).data().toString(), u"Z: Niezaznaczone (2)"_s);
     grid.groupByField({});
     QCOMPARE(model.rowCount(), 2);
     QVERIFY(!grid.model()->isGroupRow(model.index(0, 0)));
@@ -677,19 +679,19 @@ void TestGrids::layoutKnowsWhichChangesMoveARecord_data()
     QTest::addColumn<QString>("changedField");
     QTest::addColumn<QString>("newText"); // for text fields; others get a new value of their own
     QTest::addColumn<bool>("keepsPlace");
-    QTest::newRow("mark, nothing set") << QString() << QString() << QStringLiteral("ZAZNACZONE") << QString() << true;
-    QTest::newRow("mark, filtered") << QStringLiteral("filter") << QStringLiteral("ZAZNACZONE")
-                                    << QStringLiteral("ZAZNACZONE") << QString() << false;
-    QTest::newRow("mark, sorted by age") << QStringLiteral("sort") << QStringLiteral("Wiek")
-                                         << QStringLiteral("ZAZNACZONE") << QString() << true;
-    QTest::newRow("age, sorted by age") << QStringLiteral("sort") << QStringLiteral("Wiek") << QStringLiteral("Wiek")
+    QTest::newRow("mark, nothing set") << QString() << QString() << u"ZAZNACZONE"_s << QString() << true;
+    QTest::newRow("mark, filtered") << u"filter"_s << u"ZAZNACZONE"_s
+                                    << u"ZAZNACZONE"_s << QString() << false;
+    QTest::newRow("mark, sorted by age") << u"sort"_s << u"Wiek"_s
+                                         << u"ZAZNACZONE"_s << QString() << true;
+    QTest::newRow("age, sorted by age") << u"sort"_s << u"Wiek"_s << u"Wiek"_s
                                         << QString() << false;
-    QTest::newRow("herd, grouped by herd") << QStringLiteral("group") << QStringLiteral("STADO")
-                                           << QStringLiteral("STADO") << QStringLiteral("009") << false;
+    QTest::newRow("herd, grouped by herd") << u"group"_s << u"STADO"_s
+                                           << u"STADO"_s << u"009"_s << false;
     QTest::newRow("age, grouped by herd")
-        << QStringLiteral("group") << QStringLiteral("STADO") << QStringLiteral("Wiek") << QString() << true;
+        << u"group"_s << u"STADO"_s << u"Wiek"_s << QString() << true;
     QTest::newRow("sex rewritten unchanged, filtered")
-        << QStringLiteral("filter") << QStringLiteral("Plec") << QStringLiteral("Plec") << QStringLiteral("XX") << true;
+        << u"filter"_s << u"Plec"_s << u"Plec"_s << u"XX"_s << true;
 }
 
 void TestGrids::layoutKnowsWhichChangesMoveARecord()
@@ -703,7 +705,7 @@ void TestGrids::layoutKnowsWhichChangesMoveARecord()
     SummaryLayout layout(*summary_);
     const int field = settingField.isEmpty() ? -1 : summary_->requireField(settingField);
     if (setting == u"filter")
-        layout.setFilter(field, {QStringLiteral("False"), QStringLiteral("XX")});
+        layout.setFilter(field, {u"False"_s, u"XX"_s});
     else if (setting == u"sort")
         layout.setSort(field, Qt::AscendingOrder);
     else if (setting == u"group")
@@ -729,8 +731,8 @@ void TestGrids::summaryFollowsTableChanges()
 {
     AppendHerd(*summary_);
     SummaryGrid grid(*summary_);
-    grid.setColumnFilter(QStringLiteral("STADO"), {QStringLiteral("001"), QStringLiteral("002")});
-    grid.sortByField(QStringLiteral("Wiek"), Qt::AscendingOrder);
+    grid.setColumnFilter(u"STADO"_s, {u"001"_s, u"002"_s});
+    grid.sortByField(u"Wiek"_s, Qt::AscendingOrder);
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{5, 1, 4, 0, 2}));
     grid.view()->setCurrentIndex(grid.model()->indexOfRecord(0, 2));
 
@@ -738,8 +740,8 @@ void TestGrids::summaryFollowsTableChanges()
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{5, 1, 4, 6, 0, 2}));
     Append(*summary_, {"004", "PL0008", "XX", QDate(2021, 6, 1), 1, "mleczny", 1}); // filtered out
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{5, 1, 4, 6, 0, 2}));
-    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("6"));
-    QCOMPARE(grid.footerText(QStringLiteral("CzyMatka")), QStringLiteral("4"));
+    QCOMPARE(grid.footerText(u"NumerIdentyfikacyjny"_s), u"6"_s);
+    QCOMPARE(grid.footerText(u"CzyMatka"_s), u"4"_s);
 
     summary_->moveTo(1);
     summary_->remove(); // the records after it move up by one
@@ -759,7 +761,7 @@ void TestGrids::summaryFollowsTableChanges()
 
     tables_->ClearTable(*summary_);
     QVERIFY(grid.rowsInDisplayOrder().empty());
-    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("0"));
+    QCOMPARE(grid.footerText(u"NumerIdentyfikacyjny"_s), u"0"_s);
     AppendHerd(*summary_); // the user's filter and sort still hold
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{5, 1, 4, 0, 2}));
 }
@@ -780,7 +782,7 @@ void TestGrids::silentWhileControlsAreDisabled()
     QAbstractItemModel* model = nullptr;
     if (summaryGrid) {
         auto summary = std::make_unique<SummaryGrid>(table);
-        summary->groupByField(QStringLiteral("STADO"));
+        summary->groupByField(u"STADO"_s);
         model = summary->view()->model();
         grid = std::move(summary);
     } else {
@@ -797,7 +799,7 @@ void TestGrids::silentWhileControlsAreDisabled()
         AppendNumbered(table, n);
     table.moveTo(2);
     table.remove();
-    tables_->MarkAnimalReviewed(table, QStringLiteral("X"), QStringLiteral("Opasy"));
+    tables_->MarkAnimalReviewed(table, u"X"_s, u"Opasy"_s);
     grid->repaint(); // painting while the table is ahead of the grid must be harmless
     if (summaryGrid) // a mark set on the rows of before could land on another animal
         QVERIFY(!model->setData(model->index(0, 0, model->index(0, 0)), Qt::Checked, Qt::CheckStateRole));
@@ -816,14 +818,14 @@ void TestGrids::collapsedGroupsSurviveAReset()
 {
     AppendHerd(*summary_);
     SummaryGrid grid(*summary_);
-    grid.groupByField(QStringLiteral("STADO"));
+    grid.groupByField(u"STADO"_s);
     grid.setGroupExpanded(1, false); // "002"
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{1, 2, 5, 3}));
 
     summary_->disableControls();
     Append(*summary_, {"000", "PL0010", "XX", QDate(2021, 6, 1), 50, "mleczny", 1});
     summary_->enableControls();
-    QCOMPARE(grid.view()->model()->index(0, 0).data().toString(), QStringLiteral("Stado: 000 (1)"));
+    QCOMPARE(grid.view()->model()->index(0, 0).data().toString(), u"Stado: 000 (1)"_s);
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{6, 1, 2, 5, 3}));
 
     Append(*summary_, {"002", "PL0011", "XX", QDate(2021, 6, 1), 50, "mleczny", 1}); // a row into it
@@ -832,7 +834,7 @@ void TestGrids::collapsedGroupsSurviveAReset()
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{6, 1, 2, 5, 0, 4, 7, 3}));
 
     grid.setGroupExpanded(0, false);
-    grid.groupByField(QStringLiteral("Plec")); // another grouping starts open
+    grid.groupByField(u"Plec"_s); // another grouping starts open
     QCOMPARE(grid.rowsInDisplayOrder().size(), std::size_t(8));
 }
 
@@ -843,34 +845,34 @@ void TestGrids::filterPopupAndFilterBar()
     grid.resize(900, 400);
     grid.show();
     QVERIFY(QTest::qWaitForWindowExposed(&grid));
-    auto* bar = grid.findChild<QWidget*>(QStringLiteral("filterBar"));
+    auto* bar = grid.findChild<QWidget*>(u"filterBar"_s);
     QVERIFY(bar && !bar->isVisible());
 
-    ColumnFilterPopup* popup = grid.openFilterPopup(QStringLiteral("STADO"));
+    ColumnFilterPopup* popup = grid.openFilterPopup(u"STADO"_s);
     QListWidget* list = popup->list();
     QStringList labels;
     for (int row = 0; row < list->count(); ++row)
         labels.append(list->item(row)->text());
-    QCOMPARE(labels, (QStringList{QStringLiteral("(Wszystkie)"), QStringLiteral("001"), QStringLiteral("002"),
-                                  QStringLiteral("003")}));
+    QCOMPARE(labels, (QStringList{u"(Wszystkie)"_s, u"001"_s, u"002"_s,
+                                  u"003"_s}));
     QCOMPARE(list->item(0)->checkState(), Qt::Checked);
     list->item(2)->setCheckState(Qt::Checked);
     QCOMPARE(list->item(0)->checkState(), Qt::Unchecked);
     popup->apply();
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{0, 4}));
     QVERIFY(bar->isVisible());
-    QCOMPARE(grid.findChild<QLabel*>(QStringLiteral("lblFiltr"))->text(), QStringLiteral("Filtr: Stado = 002"));
+    QCOMPARE(grid.findChild<QLabel*>(u"lblFiltr"_s)->text(), u"Filtr: Stado = 002"_s);
 
-    popup = grid.openFilterPopup(QStringLiteral("TypUzytkowy"));
+    popup = grid.openFilterPopup(u"TypUzytkowy"_s);
     list = popup->list();
-    QCOMPARE(list->item(1)->text(), QStringLiteral("(Puste)"));
+    QCOMPARE(list->item(1)->text(), u"(Puste)"_s);
     list->item(1)->setCheckState(Qt::Checked); // blank
     list->item(3)->setCheckState(Qt::Checked); // "Łączony"
     popup->apply();
-    QCOMPARE(grid.filterDescription(), QStringLiteral("Filtr: Stado = 002 oraz Typ uzytkowy = (Puste) lub Łączony"));
+    QCOMPARE(grid.filterDescription(), u"Filtr: Stado = 002 oraz Typ uzytkowy = (Puste) lub Łączony"_s);
     QVERIFY(grid.rowsInDisplayOrder().empty());
 
-    popup = grid.openFilterPopup(QStringLiteral("STADO"));
+    popup = grid.openFilterPopup(u"STADO"_s);
     QCOMPARE(popup->list()->item(2)->checkState(), Qt::Checked); // the filter in force is offered
     popup->list()->item(3)->setCheckState(Qt::Checked);
     popup->list()->item(0)->setCheckState(Qt::Checked); // "(Wszystkie)" clears the column's values
@@ -878,7 +880,7 @@ void TestGrids::filterPopupAndFilterBar()
     popup->apply();
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{1, 5})); // the use-type filter still holds
 
-    QTest::mouseClick(grid.findChild<QPushButton*>(QStringLiteral("btnWyczyscFiltr")), Qt::LeftButton);
+    QTest::mouseClick(grid.findChild<QPushButton*>(u"btnWyczyscFiltr"_s), Qt::LeftButton);
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{0, 1, 2, 3, 4, 5}));
     QVERIFY(!bar->isVisible());
     QVERIFY(grid.filterDescription().isEmpty());
@@ -892,7 +894,7 @@ void TestGrids::headerClicksSortUpAndDown()
     grid.show();
     QVERIFY(QTest::qWaitForWindowExposed(&grid));
     QHeaderView& header = *grid.view()->header();
-    const int wiek = ColumnOf(grid, QStringLiteral("Wiek"));
+    const int wiek = ColumnOf(grid, u"Wiek"_s);
     const QPoint centre(header.sectionViewportPosition(wiek) + header.sectionSize(wiek) / 2, header.height() / 2);
 
     QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, centre);
@@ -901,8 +903,8 @@ void TestGrids::headerClicksSortUpAndDown()
     QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, centre);
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{2, 0, 3, 4, 1, 5}));
 
-    grid.sortByField(QStringLiteral("DataUrodzenia"), Qt::AscendingOrder);
-    QCOMPARE(header.sortIndicatorSection(), ColumnOf(grid, QStringLiteral("DataUrodzenia")));
+    grid.sortByField(u"DataUrodzenia"_s, Qt::AscendingOrder);
+    QCOMPARE(header.sortIndicatorSection(), ColumnOf(grid, u"DataUrodzenia"_s));
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{2, 5, 0, 4, 1, 3}));
     grid.sortByField({}, Qt::AscendingOrder);
     QCOMPARE(header.sortIndicatorSection(), -1);
@@ -913,21 +915,21 @@ void TestGrids::groupChoiceFollowsGrouping()
 {
     AppendHerd(*summary_);
     SummaryGrid grid(*summary_);
-    auto* choice = grid.findChild<QComboBox*>(QStringLiteral("edGrupujWedlug"));
+    auto* choice = grid.findChild<QComboBox*>(u"edGrupujWedlug"_s);
     QVERIFY(choice);
-    QCOMPARE(choice->itemText(0), QStringLiteral("(brak)"));
+    QCOMPARE(choice->itemText(0), u"(brak)"_s);
     QCOMPARE(choice->currentIndex(), 0);
-    const int stado = choice->findText(QStringLiteral("Stado"));
+    const int stado = choice->findText(u"Stado"_s);
     QVERIFY(stado > 0);
     choice->setCurrentIndex(stado);
     Q_EMIT choice->activated(stado);
-    QCOMPARE(grid.view()->model()->index(0, 0).data().toString(), QStringLiteral("Stado: 001 (3)"));
+    QCOMPARE(grid.view()->model()->index(0, 0).data().toString(), u"Stado: 001 (3)"_s);
 
-    grid.groupByField(QStringLiteral("Plec"));
-    QCOMPARE(choice->currentText(), QStringLiteral("Plec"));
+    grid.groupByField(u"Plec"_s);
+    QCOMPARE(choice->currentText(), u"Plec"_s);
     Q_EMIT choice->activated(0);
     QCOMPARE(Rows(grid.rowsInDisplayOrder()), (QList<int>{0, 1, 2, 3, 4, 5}));
-    QCOMPARE(choice->currentText(), QStringLiteral("(brak)"));
+    QCOMPARE(choice->currentText(), u"(brak)"_s);
 }
 
 void TestGrids::twentyThousandRowsResetQuickly()
@@ -936,8 +938,8 @@ void TestGrids::twentyThousandRowsResetQuickly()
     grid.resize(1000, 600);
     grid.show();
     QVERIFY(QTest::qWaitForWindowExposed(&grid));
-    grid.sortByField(QStringLiteral("NumerIdentyfikacyjny"), Qt::DescendingOrder);
-    grid.groupByField(QStringLiteral("STADO"));
+    grid.sortByField(u"NumerIdentyfikacyjny"_s, Qt::DescendingOrder);
+    grid.groupByField(u"STADO"_s);
     summary_->disableControls();
     for (int n = 0; n < 20000; ++n)
         AppendNumbered(*summary_, n);
@@ -947,9 +949,9 @@ void TestGrids::twentyThousandRowsResetQuickly()
     summary_->enableControls();
     grid.repaint();
     const qint64 elapsed = timer.elapsed();
-    QCOMPARE(grid.footerText(QStringLiteral("NumerIdentyfikacyjny")), QStringLiteral("20000"));
+    QCOMPARE(grid.footerText(u"NumerIdentyfikacyjny"_s), u"20000"_s);
     QCOMPARE(grid.rowsInDisplayOrder().front(), 19999);
-    QVERIFY2(elapsed < ResetBudgetMs, qPrintable(QStringLiteral("reset took %1 ms").arg(elapsed)));
+    QVERIFY2(elapsed < ResetBudgetMs, qPrintable(u"reset took %1 ms"_s.arg(elapsed)));
 }
 
 void TestGrids::markedRowsAreDrawnRed()
@@ -957,7 +959,7 @@ void TestGrids::markedRowsAreDrawnRed()
     for (int n = 0; n < 30; ++n)
         AppendNumbered(*summary_, n);
     SummaryGrid grid(*summary_);
-    grid.groupByField(QStringLiteral("STADO"));
+    grid.groupByField(u"STADO"_s);
     grid.resize(1100, 720);
     grid.show();
     QVERIFY(QTest::qWaitForWindowExposed(&grid));
@@ -989,11 +991,11 @@ void TestGrids::summaryColumnsFitTheirWidestMarkedValue()
     SummaryGrid grid(*summary_);
     const QFont bold = SummaryModel::markedFont();
     QHeaderView* header = grid.view()->header();
-    QVERIFY(header->sectionSize(ColumnOf(grid, QStringLiteral("GdzieRozpatrzono"))) >=
+    QVERIFY(header->sectionSize(ColumnOf(grid, u"GdzieRozpatrzono"_s)) >=
             WholeWidth(*grid.view(), where, bold));
-    QVERIFY(header->sectionSize(ColumnOf(grid, QStringLiteral("TypUzytkowy"))) >= WholeWidth(*grid.view(), use, bold));
-    QVERIFY(header->sectionSize(ColumnOf(grid, QStringLiteral("Wiek"))) >=
-            WholeWidth(*grid.view(), QStringLiteral("123456"), bold));
+    QVERIFY(header->sectionSize(ColumnOf(grid, u"TypUzytkowy"_s)) >= WholeWidth(*grid.view(), use, bold));
+    QVERIFY(header->sectionSize(ColumnOf(grid, u"Wiek"_s)) >=
+            WholeWidth(*grid.view(), u"123456"_s, bold));
     for (int column = 0; column < header->count(); ++column) {
         const QString caption = grid.model()->headerData(column, Qt::Horizontal).toString();
         QVERIFY2(header->sectionSize(column) > header->fontMetrics().horizontalAdvance(caption), qPrintable(caption));
@@ -1028,9 +1030,9 @@ void TestGrids::columnsFitAgainAfterAReset()
         table->post();
         table->enableControls();
     }
-    QVERIFY(summary.view()->header()->sectionSize(ColumnOf(summary, QStringLiteral("GdzieRozpatrzono"))) >=
+    QVERIFY(summary.view()->header()->sectionSize(ColumnOf(summary, u"GdzieRozpatrzono"_s)) >=
             WholeWidth(*summary.view(), where, SummaryModel::markedFont()));
-    const int column = ColumnOfField(herd.columns(), QStringLiteral("GdzieRozpatrzono"));
+    const int column = ColumnOfField(herd.columns(), u"GdzieRozpatrzono"_s);
     QVERIFY(herd.view()->horizontalHeader()->sectionSize(column) >=
             WholeWidth(*herd.view(), where, herd.view()->font()));
 }

@@ -30,6 +30,8 @@
 
 #include <numeric>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 // Answers the window's questions as a test sets them up and remembers what it was told.
 class RecordingDialogs : public UserDialogs {
@@ -41,7 +43,7 @@ public:
     std::vector<Shown> messages;
     QStringList questions;
     bool answerYes = true;
-    std::optional<QString> herdChoice = QStringLiteral("ALL");
+    std::optional<QString> herdChoice = u"ALL"_s;
     QStringList opened;
 
     void message(const QString& caption, const QString& text, MessageIcon) override
@@ -64,10 +66,6 @@ public:
     }
 };
 
-QString Text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 const DemoOptions Demo;
 
@@ -245,7 +243,7 @@ void TestMainWindow::startsEmptyIdleOnLoadedDataPage()
 {
     openWindow();
     QVERIFY(window_->windowState() & Qt::WindowMaximized);
-    QCOMPARE(window_->pages()->currentWidget()->objectName(), QStringLiteral("tsPobraneDane"));
+    QCOMPARE(window_->pages()->currentWidget()->objectName(), u"tsPobraneDane"_s);
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
         QVERIFY(!window_->pages()->isTabVisible(window_->pages()->indexOf(window_->slotView(slot).TabSheet)));
         QCOMPARE(window_->session().tables().mdRZ(slot).recordCount(), 0);
@@ -256,10 +254,10 @@ void TestMainWindow::startsEmptyIdleOnLoadedDataPage()
     QVERIFY(status->panel(StatusDisplay::General)->isVisible());
     for (int panel : {1, 2, 3, 4, 5, 6})
         QVERIFY2(!status->panel(panel)->isVisible(), qPrintable(QString::number(panel)));
-    QCOMPARE(status->text(StatusDisplay::Version), QStringLiteral("Ver.: 1.0.0.0"));
+    QCOMPARE(status->text(StatusDisplay::Version), u"Ver.: 1.0.0.0"_s);
     QCOMPARE(status->text(StatusDisplay::Today), QDate::currentDate().toString(u"dd.MM.yyyy"));
     QVERIFY(!child<QGroupBox>("lcErrors")->isVisible());
-    QCOMPARE(window_->session().tables().HerdSlots[0].Code, QStringLiteral("000"));
+    QCOMPARE(window_->session().tables().HerdSlots[0].Code, u"000"_s);
     QVERIFY(!window_->session().common.torvLogin);
 }
 
@@ -288,7 +286,7 @@ void TestMainWindow::credentialsComeFromFieldsOrTestLogin_data()
     QTest::addColumn<QString>("producer");
     QTest::addColumn<bool>("downloaded");
     QTest::newRow("test login used when Login is empty") << true << QString() << QString() << true;
-    QTest::newRow("a typed Login wins even without a number") << true << QStringLiteral("jan") << QString() << false;
+    QTest::newRow("a typed Login wins even without a number") << true << u"jan"_s << QString() << false;
     QTest::newRow("without the switch the empty fields count") << false << QString() << QString() << false;
 }
 
@@ -298,14 +296,14 @@ void TestMainWindow::credentialsComeFromFieldsOrTestLogin()
     QFETCH(QString, login);
     QFETCH(QString, producer);
     QFETCH(bool, downloaded);
-    writeFile(QStringLiteral("COMMON.INI"), QByteArray("[PARAM]\r\nTESTER=0\r\nTORV_Login=") +
+    writeFile(u"COMMON.INI"_s, QByteArray("[PARAM]\r\nTESTER=0\r\nTORV_Login=") +
                                                  (torvLogin ? "1" : "0") + "\r\n");
     openWindow();
     window_->fillLogin(login, QString(), producer);
     click("cxButton1");
     QCOMPARE(window_->session().herdCount > 0, downloaded);
     if (!downloaded)
-        QCOMPARE(dialogs_->texts(), QStringList{Text("Nie podanu mumeru producenta")});
+        QCOMPARE(dialogs_->texts(), QStringList{u"Nie podanu mumeru producenta"_s});
     else
         QCOMPARE(window_->session().Login, Demo.login);
 }
@@ -315,11 +313,11 @@ void TestMainWindow::producerNumberIsNineCharactersAndEmptiesName()
     openWindow();
     auto* number = child<QLineEdit>("edNumerProducenta");
     auto* name = child<QLineEdit>("edNazwa");
-    name->setText(Text("Gospodarstwo Zielonka"));
-    QTest::keyClicks(number, QStringLiteral("0712345629"));
-    QCOMPARE(number->text(), QStringLiteral("071234562"));
+    name->setText(u"Gospodarstwo Zielonka"_s);
+    QTest::keyClicks(number, u"0712345629"_s);
+    QCOMPARE(number->text(), u"071234562"_s);
     QVERIFY(name->text().isEmpty());
-    name->setText(QStringLiteral("Inny"));
+    name->setText(u"Inny"_s);
     QTest::keyClick(number, Qt::Key_Backspace);
     QVERIFY(name->text().isEmpty());
 }
@@ -328,16 +326,16 @@ void TestMainWindow::producerNumberTakesDigitsOnly()
 {
     openWindow();
     auto* number = child<QLineEdit>("edNumerProducenta");
-    QTest::keyClicks(number, QStringLiteral("07a1/2 3.4-5\\6&7?8"));
-    QCOMPARE(number->text(), QStringLiteral("071234567"));
+    QTest::keyClicks(number, u"07a1/2 3.4-5\\6&7?8"_s);
+    QCOMPARE(number->text(), u"071234567"_s);
     number->clear();
-    number->insert(QStringLiteral("0712&x=1")); // as pasted
+    number->insert(u"0712&x=1"_s); // as pasted
     QVERIFY(number->text().isEmpty());
-    number->insert(Text("٠٧١")); // digits of another script
+    number->insert(u"٠٧١"_s); // digits of another script
     QVERIFY(number->text().isEmpty());
-    window_->fillLogin(Demo.login, Demo.password, QStringLiteral("../071234562"));
+    window_->fillLogin(Demo.login, Demo.password, u"../071234562"_s);
     click("cxButton1");
-    QCOMPARE(dialogs_->texts(), QStringList{Text("Nie podanu mumeru producenta")});
+    QCOMPARE(dialogs_->texts(), QStringList{u"Nie podanu mumeru producenta"_s});
 }
 
 void TestMainWindow::passwordEllipsisTogglesEcho()
@@ -345,9 +343,9 @@ void TestMainWindow::passwordEllipsisTogglesEcho()
     openWindow();
     auto* password = child<QLineEdit>("edPassword");
     QCOMPARE(password->echoMode(), QLineEdit::Password);
-    window_->findChild<QAbstractButton*>(QStringLiteral("edPasswordEllipsis"))->click();
+    window_->findChild<QAbstractButton*>(u"edPasswordEllipsis"_s)->click();
     QCOMPARE(password->echoMode(), QLineEdit::Normal);
-    window_->findChild<QAbstractButton*>(QStringLiteral("edPasswordEllipsis"))->click();
+    window_->findChild<QAbstractButton*>(u"edPasswordEllipsis"_s)->click();
     QCOMPARE(password->echoMode(), QLineEdit::Password);
 }
 
@@ -370,23 +368,23 @@ void TestMainWindow::demoDownloadFillsTabsGridsAndMemos()
             continue;
         const int size = Demo.herdSizes[static_cast<std::size_t>(slot - 1)];
         animals += size;
-        QCOMPARE(pages->tabText(index), QStringLiteral("%1").arg(slot, 3, 10, QLatin1Char('0')));
+        QCOMPARE(pages->tabText(index), u"%1"_s.arg(slot, 3, 10, QLatin1Char('0')));
         auto* grid = static_cast<TableGrid*>(window_->slotView(slot).AnimalsGrid);
-        QCOMPARE(grid->footerText(QStringLiteral("NumerIdentyfikacyjny")), QString::number(size));
-        QCOMPARE(grid->footerText(QStringLiteral("CzyMatka")),
+        QCOMPARE(grid->footerText(u"NumerIdentyfikacyjny"_s), QString::number(size));
+        QCOMPARE(grid->footerText(u"CzyMatka"_s),
                  QString::number(sumOf(session.tables().mdRZ(slot), "CzyMatka")));
-        QCOMPARE(window_->slotView(slot).GroupsGrid->footerText(QStringLiteral("Ilosc")), QString::number(size));
+        QCOMPARE(window_->slotView(slot).GroupsGrid->footerText(u"Ilosc"_s), QString::number(size));
     }
     QCOMPARE(pages->currentWidget(), window_->slotView(1).TabSheet);
-    QCOMPARE(window_->summaryGrid()->footerText(QStringLiteral("NumerIdentyfikacyjny")), QString::number(animals));
+    QCOMPARE(window_->summaryGrid()->footerText(u"NumerIdentyfikacyjny"_s), QString::number(animals));
     QCOMPARE(sumOf(session.tables().mdGT00(), "Ilosc"), animals);
     pages->setCurrentWidget(child<QWidget>("tsPobraneDane"));
     const QString loaded = child<QPlainTextEdit>("mLoaded")->toPlainText();
-    QVERIFY(loaded.startsWith(QStringLiteral("dzialalnosc\n{\"listaZwierzeta\":[")));
+    QVERIFY(loaded.startsWith(u"dzialalnosc\n{\"listaZwierzeta\":["_s));
     QCOMPARE(loaded, session.loaded());
     const QString errors = child<QPlainTextEdit>("mErrors")->toPlainText();
-    QVERIFY2(errors.contains(Text("Nie aktywne stado: ")), qPrintable(errors));
-    QVERIFY2(errors.contains(Text("Brak zwierząt w stadzie: ")), qPrintable(errors));
+    QVERIFY2(errors.contains(u"Nie aktywne stado: "_s), qPrintable(errors));
+    QVERIFY2(errors.contains(u"Brak zwierząt w stadzie: "_s), qPrintable(errors));
     QVERIFY(child<QGroupBox>("lcErrors")->isVisible());
     QVERIFY(!window_->statusDisplay()->busy());
     QVERIFY(child<QPushButton>("cxButton1")->isEnabled());
@@ -407,11 +405,11 @@ void TestMainWindow::downloadOverLoadedDataAsksFirst()
     openWindow();
     fillDemoLogin();
     click("cxButton1");
-    window_->summaryGrid()->sortByField(QStringLiteral("Wiek"), Qt::DescendingOrder);
+    window_->summaryGrid()->sortByField(u"Wiek"_s, Qt::DescendingOrder);
     const int requests = registry_->stats().tokenRequests;
     dialogs_->answerYes = answerYes;
     click("cxButton1");
-    QCOMPARE(dialogs_->questions, QStringList{Text("Są wczytane dane. Będą one usunięte. Czy kontynuować?")});
+    QCOMPARE(dialogs_->questions, QStringList{u"Są wczytane dane. Będą one usunięte. Czy kontynuować?"_s});
     QCOMPARE(registry_->stats().tokenRequests, requests + (answerYes ? 1 : 0));
     QVERIFY(window_->session().tables().mdRZ00().recordCount() > 0);
     QVERIFY(window_->pages()->isTabVisible(0));
@@ -471,7 +469,7 @@ void TestMainWindow::cancelStopsDownloadWithConsistentTables()
     QVERIFY(!child<QPushButton>("cxButtonPrzerwij")->isVisible());
     QVERIFY(child<QPushButton>("cxButton1")->isEnabled());
     const QString errors = child<QPlainTextEdit>("mErrors")->toPlainText();
-    QVERIFY2(errors.contains(Text("Przerwano na żądanie użytkownika")), qPrintable(errors));
+    QVERIFY2(errors.contains(u"Przerwano na żądanie użytkownika"_s), qPrintable(errors));
     WorkingTables& tables = window_->session().tables();
     int written = 0;
     for (int slot = 1; slot < HerdSlotCount; ++slot)
@@ -480,7 +478,7 @@ void TestMainWindow::cancelStopsDownloadWithConsistentTables()
     QVERIFY(written > 0 && written < total);
     QCOMPARE(tables.mdRZ00().recordCount(), written);
     QCOMPARE(sumOf(tables.mdGT00(), "Ilosc"), written);
-    QCOMPARE(window_->summaryGrid()->footerText(QStringLiteral("NumerIdentyfikacyjny")), QString::number(written));
+    QCOMPARE(window_->summaryGrid()->footerText(u"NumerIdentyfikacyjny"_s), QString::number(written));
 }
 
 void TestMainWindow::cancelAbortsTheRequestInFlight_data()
@@ -574,11 +572,11 @@ void TestMainWindow::herdEndedEarlySaysSoOnItsTab()
     const QString errors = child<QPlainTextEdit>("mErrors")->toPlainText();
     for (int slot = 1; slot <= static_cast<int>(Demo.herdSizes.size()); ++slot) {
         const int index = pages->indexOf(window_->slotView(slot).TabSheet);
-        const QString code = QStringLiteral("%1").arg(slot, 3, 10, QLatin1Char('0'));
+        const QString code = u"%1"_s.arg(slot, 3, 10, QLatin1Char('0'));
         const QString& incomplete = slots[static_cast<std::size_t>(slot)].Incomplete;
         QVERIFY(pages->isTabVisible(index));
         QCOMPARE(incomplete.isEmpty(), slot != 2);
-        QCOMPARE(pages->tabText(index), slot == 2 ? code + Text(" (niepełne)") : code);
+        QCOMPARE(pages->tabText(index), slot == 2 ? code + u" (niepełne)"_s : code);
         QCOMPARE(pages->tabToolTip(index), incomplete);
         QVERIFY2(errors.contains(incomplete), qPrintable(errors));
     }
@@ -590,18 +588,18 @@ void TestMainWindow::summaryExportsFollowTheGridsDisplayOrder()
     fillDemoLogin();
     click("cxButton1");
     SummaryGrid* grid = window_->summaryGrid();
-    grid->setColumnFilter(QStringLiteral("STADO"), {QStringLiteral("002")});
-    grid->sortByField(QStringLiteral("Wiek"), Qt::DescendingOrder);
+    grid->setColumnFilter(u"STADO"_s, {u"002"_s});
+    grid->sortByField(u"Wiek"_s, Qt::DescendingOrder);
     const std::vector<int> shown = grid->rowsInDisplayOrder();
     QCOMPARE(static_cast<int>(shown.size()), Demo.herdSizes[1]);
 
     click("cxButton7");
     QCOMPARE(dialogs_->messages.size(), std::size_t(1));
-    QCOMPARE(dialogs_->messages[0].caption, QStringLiteral("Informacja"));
-    const QString path = dialogs_->messages[0].text.mid(Text("Zapisano do: ").size());
+    QCOMPARE(dialogs_->messages[0].caption, u"Informacja"_s);
+    const QString path = dialogs_->messages[0].text.mid(u"Zapisano do: "_s.size());
     QFile csv(path);
     QVERIFY2(csv.open(QIODevice::ReadOnly), qPrintable(path));
-    QStringList lines = FromCp1250(csv.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    QStringList lines = FromCp1250(csv.readAll()).split(u"\r\n"_s, Qt::SkipEmptyParts);
     lines.removeFirst();
     QCOMPARE(lines.size(), static_cast<int>(shown.size()));
     Table& animals = window_->session().tables().mdRZ00();
@@ -610,9 +608,9 @@ void TestMainWindow::summaryExportsFollowTheGridsDisplayOrder()
 
     dialogs_->answerYes = true;
     click("cxButton4");
-    QCOMPARE(dialogs_->questions, QStringList{Text("Czy otworzyć stworzony plik?")});
+    QCOMPARE(dialogs_->questions, QStringList{u"Czy otworzyć stworzony plik?"_s});
     QCOMPARE(dialogs_->opened.size(), 1);
-    QVERIFY(dialogs_->opened[0].contains(Text("Zwierzęta FILTROWANE-") + Demo.producerNumber));
+    QVERIFY(dialogs_->opened[0].contains(u"Zwierzęta FILTROWANE-"_s + Demo.producerNumber));
     QVERIFY(QFile::exists(dialogs_->opened[0]));
 }
 
@@ -632,19 +630,19 @@ void TestMainWindow::changedLimitsTakeEffectAtTheNextClearing()
     bool parametersOpened = false;
     QTimer::singleShot(0, window_.get(), [&] {
         QWidget* dialog = QApplication::activeModalWidget();
-        parametersOpened = dialog && dialog->objectName() == QStringLiteral("TfGET_PARAM");
+        parametersOpened = dialog && dialog->objectName() == u"TfGET_PARAM"_s;
         if (dialog)
             dialog->close();
     });
     child<QAction>("dxBarButton6")->trigger();
     QVERIFY(parametersOpened);
 
-    writeFile(QStringLiteral("HALVARN.INI"), "[WIEK]\r\nCieletaGrp_Ponad_220KG_Wiek_Od=7\r\n");
+    writeFile(u"HALVARN.INI"_s, "[WIEK]\r\nCieletaGrp_Ponad_220KG_Wiek_Od=7\r\n");
     Table& groups = window_->session().tables().mdGT(4);
     const int row29 = 28; // all three blocks: IDs 1..40 in order
-    QCOMPARE(AsString(groups.at(row29, 2)), QStringLiteral("5 > Wiek <= 6"));
+    QCOMPARE(AsString(groups.at(row29, 2)), u"5 > Wiek <= 6"_s);
     click("cxButton2");
-    QCOMPARE(AsString(groups.at(row29, 2)), QStringLiteral("7 > Wiek <= 6"));
+    QCOMPARE(AsString(groups.at(row29, 2)), u"7 > Wiek <= 6"_s);
 }
 
 void TestMainWindow::unreachableRegistryEndsInAMessage()
@@ -654,8 +652,8 @@ void TestMainWindow::unreachableRegistryEndsInAMessage()
     fillDemoLogin();
     click("cxButton1");
     QCOMPARE(dialogs_->messages.size(), std::size_t(1));
-    QCOMPARE(dialogs_->messages[0].caption, Text("Bład..."));
-    QVERIFY2(dialogs_->messages[0].text.startsWith(Text("Autoryzacja zakończona z błędem: ")),
+    QCOMPARE(dialogs_->messages[0].caption, u"Bład..."_s);
+    QVERIFY2(dialogs_->messages[0].text.startsWith(u"Autoryzacja zakończona z błędem: "_s),
              qPrintable(dialogs_->messages[0].text));
     QVERIFY(!window_->statusDisplay()->busy());
     QVERIFY(child<QPushButton>("cxButton1")->isEnabled());

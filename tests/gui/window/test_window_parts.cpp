@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 // The window's parts, set up as the program starts.
 class TestWindowParts : public QObject {
     Q_OBJECT
@@ -26,11 +28,11 @@ void TestWindowParts::initTestCase()
 
 void TestWindowParts::messageBoxButtonsReadPolish()
 {
-    QMessageBox box(QMessageBox::Question, QStringLiteral("Pytanie"), QStringLiteral("Czy kontynuować?"),
+    QMessageBox box(QMessageBox::Question, u"Pytanie"_s, u"Czy kontynuować?"_s,
                     QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
-    QCOMPARE(box.button(QMessageBox::Yes)->text().remove(u'&'), QStringLiteral("Tak"));
-    QCOMPARE(box.button(QMessageBox::No)->text().remove(u'&'), QStringLiteral("Nie"));
-    QCOMPARE(box.button(QMessageBox::Cancel)->text().remove(u'&'), QStringLiteral("Anuluj"));
+    QCOMPARE(box.button(QMessageBox::Yes)->text().remove(u'&'), u"Tak"_s);
+    QCOMPARE(box.button(QMessageBox::No)->text().remove(u'&'), u"Nie"_s);
+    QCOMPARE(box.button(QMessageBox::Cancel)->text().remove(u'&'), u"Anuluj"_s);
     // A display name of its own would be appended to the box's caption.
     QCOMPARE(QGuiApplication::applicationDisplayName(), QCoreApplication::applicationName());
 }
@@ -40,18 +42,18 @@ void TestWindowParts::typedDateOverSelectionIsTaken_data()
     QTest::addColumn<QDate>("before");
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QDate>("after");
-    QTest::newRow("over today") << QDate::currentDate() << QStringLiteral("05.03.2024") << QDate(2024, 3, 5);
-    QTest::newRow("over an empty field") << QDate() << QStringLiteral("05.03.2024") << QDate(2024, 3, 5);
-    QTest::newRow("over the last of a long month") << QDate(2024, 1, 31) << QStringLiteral("05.03.2024")
+    QTest::newRow("over today") << QDate::currentDate() << u"05.03.2024"_s << QDate(2024, 3, 5);
+    QTest::newRow("over an empty field") << QDate() << u"05.03.2024"_s << QDate(2024, 3, 5);
+    QTest::newRow("over the last of a long month") << QDate(2024, 1, 31) << u"05.03.2024"_s
                                                    << QDate(2024, 3, 5);
-    QTest::newRow("day past the old month's end") << QDate(2024, 2, 10) << QStringLiteral("31.01.2023")
+    QTest::newRow("day past the old month's end") << QDate(2024, 2, 10) << u"31.01.2023"_s
                                                   << QDate(2023, 1, 31);
-    QTest::newRow("leap day over another year") << QDate(2023, 6, 15) << QStringLiteral("29.02.2024")
+    QTest::newRow("leap day over another year") << QDate(2023, 6, 15) << u"29.02.2024"_s
                                                 << QDate(2024, 2, 29);
-    QTest::newRow("new year's eve") << QDate(2024, 3, 5) << QStringLiteral("31.12.1999") << QDate(1999, 12, 31);
-    QTest::newRow("digits only") << QDate(2023, 6, 15) << QStringLiteral("05032024") << QDate(2024, 3, 5);
-    QTest::newRow("one-digit day and month") << QDate(2023, 6, 15) << QStringLiteral("5.3.2024") << QDate(2024, 3, 5);
-    QTest::newRow("one-digit day that may go on") << QDate(2023, 6, 15) << QStringLiteral("1.3.2024")
+    QTest::newRow("new year's eve") << QDate(2024, 3, 5) << u"31.12.1999"_s << QDate(1999, 12, 31);
+    QTest::newRow("digits only") << QDate(2023, 6, 15) << u"05032024"_s << QDate(2024, 3, 5);
+    QTest::newRow("one-digit day and month") << QDate(2023, 6, 15) << u"5.3.2024"_s << QDate(2024, 3, 5);
+    QTest::newRow("one-digit day that may go on") << QDate(2023, 6, 15) << u"1.3.2024"_s
                                                   << QDate(2024, 3, 1);
 }
 
@@ -82,7 +84,7 @@ void TestWindowParts::typingIntoOnePartKeepsTheOthers()
     QDateEdit* edit = field.edit();
     edit->setFocus();
     edit->setSelectedSection(QDateTimeEdit::MonthSection);
-    QTest::keyClicks(edit, QStringLiteral("1.2024"));
+    QTest::keyClicks(edit, u"1.2024"_s);
     QTest::keyClick(edit, Qt::Key_Tab);
     QCOMPARE(field.date(), QDate(2024, 1, 15));
 }

@@ -2,6 +2,8 @@
 
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 RecordingServer::RecordingServer(Responder responder) : responder_(std::move(responder))
 {
     server_.listen(QHostAddress::LocalHost, 0);
@@ -10,7 +12,7 @@ RecordingServer::RecordingServer(Responder responder) : responder_(std::move(res
 
 QString RecordingServer::baseUrl() const
 {
-    return QStringLiteral("http://127.0.0.1:%1").arg(server_.serverPort());
+    return u"http://127.0.0.1:%1"_s.arg(server_.serverPort());
 }
 
 void RecordingServer::accept()

@@ -25,10 +25,10 @@ public:
         StallAfterHeaders, // promises more body than it sends, then stays silent
     };
     struct Reply {
-        Reply(int status = 200, QByteArray body = {}, int delayMs = 0, QByteArray reason = {},
-              Break broken = Break::None, QByteArray location = {})
-            : status(status), body(std::move(body)), delayMs(delayMs), reason(std::move(reason)), broken(broken),
-              location(std::move(location))
+        Reply(int code = 200, QByteArray answer = {}, int delay = 0, QByteArray statusText = {},
+              Break breaking = Break::None, QByteArray redirectTo = {})
+            : status(code), body(std::move(answer)), delayMs(delay), reason(std::move(statusText)), broken(breaking),
+              location(std::move(redirectTo))
         {
         }
         int status;

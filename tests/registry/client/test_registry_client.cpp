@@ -14,6 +14,8 @@
 #include <QTimer>
 #include <QUrlQuery>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 using Reply = RecordingServer::Reply;
 
@@ -69,14 +71,14 @@ void TestRegistryClient::logInSendsTheFormBodyAsTyped()
     RecordingServer server(Always(200, R"({"access_token":"abc"})"));
     RecordingHost host;
     TdmIRZ_PLUS client(ConfigFor(server), host);
-    QVERIFY(client.Authorize(QStringLiteral("jan.kowalski"), QStringLiteral("a&b=c ł")));
-    QCOMPARE(client.Token, QStringLiteral("abc"));
+    QVERIFY(client.Authorize(u"jan.kowalski"_s, u"a&b=c ł"_s));
+    QCOMPARE(client.Token, u"abc"_s);
     const auto& request = server.requests().at(0);
     QCOMPARE(request.method, QByteArray("POST"));
     QCOMPARE(request.target, QByteArray("/auth/realms/ewniosekplus/protocol/openid-connect/token"));
     QCOMPARE(request.headers.value("content-type"), QByteArray("application/x-www-form-urlencoded"));
     QCOMPARE(QString::fromUtf8(request.body),
-             QStringLiteral("username=jan.kowalski&password=a&b=c ł&client_id=aplikacja-irzplus&grant_type=password"));
+             u"username=jan.kowalski&password=a&b=c ł&client_id=aplikacja-irzplus&grant_type=password"_s);
     QVERIFY(host.messages.empty());
 }
 
@@ -86,18 +88,18 @@ void TestRegistryClient::logInFailuresShowTheirMessage_data()
     QTest::addColumn<QByteArray>("reason");
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QString>("message");
-    const QString refused = QStringLiteral("Brak autoryzacji (Być może niepoprawny login/hasło)");
+    const QString refused = u"Brak autoryzacji (Być może niepoprawny login/hasło)"_s;
     QTest::newRow("refused") << 401 << QByteArray() << QByteArray(R"({"error":"invalid_grant"})") << refused;
     // 401 is the refusal whatever the status line says.
     QTest::newRow("refused, other wording") << 401 << QByteArray("Access Denied") << QByteArray("{}") << refused;
     QTest::newRow("refused, no wording") << 401 << QByteArray(" ") << QByteArray() << refused;
     QTest::newRow("forbidden, worded Unauthorized")
         << 403 << QByteArray("Unauthorized") << QByteArray("{}")
-        << QStringLiteral("Autoryzacja zakończona z błędem: HTTP/1.1 403 Unauthorized");
-    const QString failed = QStringLiteral("Autoryzacja zakończona z błędem: ");
-    const QString noToken = failed + QStringLiteral("odpowiedź serwera nie zawiera tokenu dostępu");
+        << u"Autoryzacja zakończona z błędem: HTTP/1.1 403 Unauthorized"_s;
+    const QString failed = u"Autoryzacja zakończona z błędem: "_s;
+    const QString noToken = failed + u"odpowiedź serwera nie zawiera tokenu dostępu"_s;
     QTest::newRow("server error") << 500 << QByteArray() << QByteArray("{}")
-                                  << failed + QStringLiteral("HTTP/1.1 500 Internal Server Error");
+                                  << failed + u"HTTP/1.1 500 Internal Server Error"_s;
     QTest::newRow("not json") << 200 << QByteArray() << QByteArray("<html>") << noToken;
     QTest::newRow("token missing") << 200 << QByteArray() << QByteArray(R"({"token_type":"bearer"})") << noToken;
 }
@@ -111,9 +113,9 @@ void TestRegistryClient::logInFailuresShowTheirMessage()
     RecordingServer server(Always(status, body, reason));
     RecordingHost host;
     TdmIRZ_PLUS client(ConfigFor(server), host);
-    QVERIFY(!client.Authorize(QStringLiteral("u"), QStringLiteral("p")));
+    QVERIFY(!client.Authorize(u"u"_s, u"p"_s));
     QCOMPARE(host.messages.size(), 1u);
-    QCOMPARE(host.messages[0].caption, QStringLiteral("Bład..."));
+    QCOMPARE(host.messages[0].caption, u"Bład..."_s);
     QCOMPARE(host.messages[0].text, message);
     QCOMPARE(host.messages[0].icon, MessageIcon::Error);
 }
@@ -148,21 +150,21 @@ void TestRegistryClient::getRequestsCarryTheTokenAndBuildTheirQuery()
     RecordingServer server(Always(200, "{}"));
     RecordingHost host;
     TdmIRZ_PLUS client(ConfigFor(server), host);
-    client.Token = QStringLiteral("tok");
-    const QString producer = QStringLiteral("071234562");
+    client.Token = u"tok"_s;
+    const QString producer = u"071234562"_s;
     switch (request) {
     case 0:
-        client.ListAnimals(producer, producer + QStringLiteral("-001"), QStringLiteral("BYD"), QStringLiteral("PL1"),
-                           QStringLiteral("XX"), QStringLiteral("HO"), QStringLiteral("ML"), Day(2026, 11, 1), false);
+        client.ListAnimals(producer, producer + u"-001"_s, u"BYD"_s, u"PL1"_s,
+                           u"XX"_s, u"HO"_s, u"ML"_s, Day(2026, 11, 1), false);
         break;
     case 1:
-        client.ListAnimals(producer, {}, QStringLiteral("BYD"), {}, {}, {}, {}, EmptyDate, true);
+        client.ListAnimals(producer, {}, u"BYD"_s, {}, {}, {}, {}, EmptyDate, true);
         break;
     case 2:
-        client.GetAnimal(producer, QStringLiteral("PL005123456789"), false);
+        client.GetAnimal(producer, u"PL005123456789"_s, false);
         break;
     case 3:
-        client.ListDocuments(producer, QStringLiteral("D/1"), Day(2026, 1, 1), Day(2026, 11, 1), false);
+        client.ListDocuments(producer, u"D/1"_s, Day(2026, 1, 1), Day(2026, 11, 1), false);
         break;
     default:
         client.ListDocuments(producer, {}, EmptyDate, EmptyDate, false);
@@ -209,22 +211,22 @@ void TestRegistryClient::postBodiesKeepKeyOrderAndOmitEmptyValues()
     RecordingServer server(Always(200, "{}"));
     RecordingHost host;
     TdmIRZ_PLUS client(ConfigFor(server), host);
-    client.Token = QStringLiteral("tok");
-    const QString producer = QStringLiteral("071234562");
-    const QString herd = producer + QStringLiteral("-001");
+    client.Token = u"tok"_s;
+    const QString producer = u"071234562"_s;
+    const QString herd = producer + u"-001"_s;
     const QString none;
     const auto change = [&](const QString& unit, const QString& type, const QString& direction) {
-        client.SubmitUseChange(producer, unit, herd, QStringLiteral("BYD"), Day(2026, 11, 23), QStringLiteral("PL1"), type,
+        client.SubmitUseChange(producer, unit, herd, u"BYD"_s, Day(2026, 11, 23), u"PL1"_s, type,
                                direction, false);
     };
     switch (request) {
     case 0: client.ListHoldings(producer, none, none, none, false); break;
-    case 1: client.ListHoldings(producer, herd, QStringLiteral("GOSP"), QStringLiteral("SDZA"), true); break;
-    case 2: change(none, QStringLiteral("MI"), QStringLiteral("OP")); break;
-    case 3: change(none, QStringLiteral("MI"), none); break;
-    case 4: change(none, none, QStringLiteral("OP")); break;
+    case 1: client.ListHoldings(producer, herd, u"GOSP"_s, u"SDZA"_s, true); break;
+    case 2: change(none, u"MI"_s, u"OP"_s); break;
+    case 3: change(none, u"MI"_s, none); break;
+    case 4: change(none, none, u"OP"_s); break;
     case 5: change(none, none, none); break;
-    default: change(QStringLiteral("BP 7"), none, none);
+    default: change(u"BP 7"_s, none, none);
     }
     const auto& sent = server.requests().at(0);
     QCOMPARE(sent.method, QByteArray("POST"));
@@ -239,14 +241,14 @@ void TestRegistryClient::httpErrorsOfGetsBecomeTheMarker_data()
 {
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QString>("answer");
-    const QString status = QStringLiteral("HTTP/1.1 500 Internal Server Error");
+    const QString status = u"HTTP/1.1 500 Internal Server Error"_s;
     QTest::newRow("no words of the registry") << QByteArray(R"({"bledy":[]})") << status;
     QTest::newRow("not JSON") << QByteArray("<html>") << status;
     QTest::newRow("komunikat at the root") << QByteArray(R"({"komunikat":"Brak danych"})")
-                                           << QStringLiteral("Brak danych (") + status + u')';
+                                           << u"Brak danych ("_s + status + u')';
     QTest::newRow("error entries")
         << QByteArray(R"({"bledy":[{"kodBledu":"E1","komunikat":"awaria"},{"kodBledu":"E2","komunikat":"znowu"}]})")
-        << QStringLiteral("E1: awaria; E2: znowu (") + status + u')';
+        << u"E1: awaria; E2: znowu ("_s + status + u')';
 }
 
 void TestRegistryClient::httpErrorsOfGetsBecomeTheMarker()
@@ -256,7 +258,7 @@ void TestRegistryClient::httpErrorsOfGetsBecomeTheMarker()
     RecordingServer server(Always(500, body));
     RecordingHost host;
     TdmIRZ_PLUS client(ConfigFor(server), host);
-    QCOMPARE(client.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false), ErrorMarker + answer);
+    QCOMPARE(client.GetAnimal(u"1"_s, u"PL1"_s, false), ErrorMarker + answer);
 }
 
 void TestRegistryClient::failuresOfPostsAndTimeOutsRaise()
@@ -264,30 +266,30 @@ void TestRegistryClient::failuresOfPostsAndTimeOutsRaise()
     RecordingServer failing(Always(500, "{}"));
     RecordingHost host;
     TdmIRZ_PLUS client(ConfigFor(failing), host);
-    QVERIFY_THROWS_EXCEPTION(RegistryError, client.ListHoldings(QStringLiteral("1"), {}, {}, {}, false));
+    QVERIFY_THROWS_EXCEPTION(RegistryError, client.ListHoldings(u"1"_s, {}, {}, {}, false));
 
     RecordingServer slow([](const RecordingServer::Request&) { return Reply{200, "{}", 3000}; });
     RegistryConfig config = ConfigFor(slow);
     config.getTimeoutMs = 200;
     TdmIRZ_PLUS impatient(config, host);
     try {
-        impatient.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false);
+        impatient.GetAnimal(u"1"_s, u"PL1"_s, false);
         QFAIL("a time-out must raise");
     } catch (const RegistryError& error) {
-        QVERIFY2(error.message().startsWith(QStringLiteral("Przekroczono czas oczekiwania")), error.what());
+        QVERIFY2(error.message().startsWith(u"Przekroczono czas oczekiwania"_s), error.what());
     }
 
     QTcpServer closed;
     QVERIFY(closed.listen(QHostAddress::LocalHost));
     RegistryConfig nobody;
-    nobody.ssoBase = nobody.apiBase = QStringLiteral("http://127.0.0.1:%1").arg(closed.serverPort());
+    nobody.ssoBase = nobody.apiBase = u"http://127.0.0.1:%1"_s.arg(closed.serverPort());
     closed.close();
     TdmIRZ_PLUS unreachable(nobody, host);
     try {
-        unreachable.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false);
+        unreachable.GetAnimal(u"1"_s, u"PL1"_s, false);
         QFAIL("no connection must raise");
     } catch (const RegistryError& error) {
-        QVERIFY2(error.message().startsWith(QStringLiteral("Brak połączenia z serwerem (")), error.what());
+        QVERIFY2(error.message().startsWith(u"Brak połączenia z serwerem ("_s), error.what());
     }
 }
 
@@ -329,19 +331,19 @@ void TestRegistryClient::brokenAnswersAreFailures()
     config.maxAnswerBytes = 1 << 20;
     TdmIRZ_PLUS client(config, host);
     if (kind == 0) {
-        const QString answer = client.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false);
+        const QString answer = client.GetAnimal(u"1"_s, u"PL1"_s, false);
         QVERIFY2(answer.startsWith(ErrorMarker + failure), qPrintable(answer));
     } else if (kind == 1) {
         try {
-            client.ListHoldings(QStringLiteral("1"), {}, {}, {}, false);
+            client.ListHoldings(u"1"_s, {}, {}, {}, false);
             QFAIL("a broken answer to a POST must raise");
         } catch (const RegistryError& error) {
             QVERIFY2(error.message().startsWith(failure), error.what());
         }
     } else {
-        QVERIFY(!client.Authorize(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client.Authorize(u"u"_s, u"p"_s));
         QCOMPARE(host.messages.size(), 1u);
-        QVERIFY2(host.messages[0].text.startsWith(QStringLiteral("Autoryzacja zakończona z błędem: ") + failure),
+        QVERIFY2(host.messages[0].text.startsWith(u"Autoryzacja zakończona z błędem: "_s + failure),
                  qPrintable(host.messages[0].text));
     }
 }
@@ -361,16 +363,16 @@ void TestRegistryClient::redirectsStayWithinTheOrigin()
     });
     RecordingHost host;
     TdmIRZ_PLUS client(ConfigFor(registry), host);
-    client.Token = QStringLiteral("tok");
-    QCOMPARE(client.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false), QStringLiteral("moved here"));
+    client.Token = u"tok"_s;
+    QCOMPARE(client.GetAnimal(u"1"_s, u"PL1"_s, false), u"moved here"_s);
     QCOMPARE(registry.requests().back().headers.value("authorization"), QByteArray("Bearer tok"));
 
-    const QString refused = client.ListAnimals(QStringLiteral("1"), {}, QStringLiteral("BYD"), {}, {}, {}, {}, EmptyDate, false);
-    QVERIFY2(refused.startsWith(ErrorMarker + QStringLiteral("Serwer przekierował zapytanie pod inny adres")),
+    const QString refused = client.ListAnimals(u"1"_s, {}, u"BYD"_s, {}, {}, {}, {}, EmptyDate, false);
+    QVERIFY2(refused.startsWith(ErrorMarker + u"Serwer przekierował zapytanie pod inny adres"_s),
              qPrintable(refused));
-    QVERIFY(!client.Authorize(QStringLiteral("jan"), QStringLiteral("tajne")));
-    QVERIFY(host.messages.at(0).text.contains(QStringLiteral("przekierował")));
-    QVERIFY_THROWS_EXCEPTION(RegistryError, client.ListHoldings(QStringLiteral("1"), {}, {}, {}, false));
+    QVERIFY(!client.Authorize(u"jan"_s, u"tajne"_s));
+    QVERIFY(host.messages.at(0).text.contains(u"przekierował"_s));
+    QVERIFY_THROWS_EXCEPTION(RegistryError, client.ListHoldings(u"1"_s, {}, {}, {}, false));
     QVERIFY(elsewhere.requests().empty());
 }
 
@@ -378,24 +380,24 @@ void TestRegistryClient::tokensThatAreNotPlainAreRefused_data()
 {
     QTest::addColumn<QString>("token");
     QTest::addColumn<bool>("accepted");
-    QTest::newRow("plain") << QStringLiteral("eyJhbGciOi.J9-_x") << true;
+    QTest::newRow("plain") << u"eyJhbGciOi.J9-_x"_s << true;
     QTest::newRow("16 KB") << QString(16 * 1024, u'a') << true;
     QTest::newRow("over 16 KB") << QString(16 * 1024 + 1, u'a') << false;
-    QTest::newRow("a line break") << QStringLiteral("abc\r\nX-Evil: 1") << false;
-    QTest::newRow("a blank") << QStringLiteral("abc def") << false;
-    QTest::newRow("a control character") << QStringLiteral("abc\u0001") << false;
-    QTest::newRow("not ASCII") << QStringLiteral("abcł") << false;
+    QTest::newRow("a line break") << u"abc\r\nX-Evil: 1"_s << false;
+    QTest::newRow("a blank") << u"abc def"_s << false;
+    QTest::newRow("a control character") << u"abc\u0001"_s << false;
+    QTest::newRow("not ASCII") << u"abcł"_s << false;
 }
 
 void TestRegistryClient::tokensThatAreNotPlainAreRefused()
 {
     QFETCH(QString, token);
     QFETCH(bool, accepted);
-    RecordingServer server(Always(200, QJsonDocument(QJsonObject{{QStringLiteral("access_token"), token}}).toJson()));
+    RecordingServer server(Always(200, QJsonDocument(QJsonObject{{u"access_token"_s, token}}).toJson()));
     RecordingHost host;
     TdmIRZ_PLUS client(ConfigFor(server), host);
-    QCOMPARE(client.Authorize(QStringLiteral("u"), QStringLiteral("p")), accepted);
-    const QStringList expected{QStringLiteral("Autoryzacja zakończona z błędem: serwer zwrócił niepoprawny token dostępu")};
+    QCOMPARE(client.Authorize(u"u"_s, u"p"_s), accepted);
+    const QStringList expected{u"Autoryzacja zakończona z błędem: serwer zwrócił niepoprawny token dostępu"_s};
     QCOMPARE(host.messageTexts(), accepted ? QStringList() : expected);
     QCOMPARE(client.Token, accepted ? token : QString());
 }
@@ -406,10 +408,10 @@ void TestRegistryClient::secretsTravelInClearTextOnlyToThisMachine_data()
     QTest::addColumn<QString>("api");
     QTest::addColumn<bool>("refused");
     QTest::newRow("loopback address") << QString() << QString() << false;
-    QTest::newRow("localhost") << QStringLiteral("http://localhost:PORT") << QStringLiteral("http://localhost:PORT")
+    QTest::newRow("localhost") << u"http://localhost:PORT"_s << u"http://localhost:PORT"_s
                                << false;
-    QTest::newRow("log-in over plain http") << QStringLiteral("http://sso.example.pl") << QString() << true;
-    QTest::newRow("token over plain http") << QString() << QStringLiteral("http://irz.example.pl") << true;
+    QTest::newRow("log-in over plain http") << u"http://sso.example.pl"_s << QString() << true;
+    QTest::newRow("token over plain http") << QString() << u"http://irz.example.pl"_s << true;
 }
 
 void TestRegistryClient::secretsTravelInClearTextOnlyToThisMachine()
@@ -421,15 +423,15 @@ void TestRegistryClient::secretsTravelInClearTextOnlyToThisMachine()
     RegistryConfig config = ConfigFor(server);
     const QString port = QString::number(QUrl(server.baseUrl()).port());
     if (!sso.isEmpty())
-        config.ssoBase = sso.replace(QStringLiteral("PORT"), port);
+        config.ssoBase = sso.replace(u"PORT"_s, port);
     if (!api.isEmpty())
-        config.apiBase = api.replace(QStringLiteral("PORT"), port);
+        config.apiBase = api.replace(u"PORT"_s, port);
     RecordingHost host;
     TdmIRZ_PLUS client(config, host);
-    QCOMPARE(client.Authorize(QStringLiteral("u"), QStringLiteral("p")), !refused);
+    QCOMPARE(client.Authorize(u"u"_s, u"p"_s), !refused);
     QCOMPARE(server.requests().size(), refused ? 0u : 1u);
     if (refused)
-        QVERIFY(host.messages.at(0).text.contains(QStringLiteral("https://")));
+        QVERIFY(host.messages.at(0).text.contains(u"https://"_s));
 }
 
 // A registry that never answers: the stop asked for meanwhile ends the wait at
@@ -442,10 +444,10 @@ void TestRegistryClient::aStopAbortsTheRequestInFlight()
     host.cancelWhen = [&clock] { return clock.elapsed() > 200; };
     TdmIRZ_PLUS client(ConfigFor(silent), host);
     clock.start();
-    QVERIFY_THROWS_EXCEPTION(RequestCancelled, client.GetAnimal(QStringLiteral("1"), QStringLiteral("PL1"), false));
+    QVERIFY_THROWS_EXCEPTION(RequestCancelled, client.GetAnimal(u"1"_s, u"PL1"_s, false));
     QVERIFY(clock.elapsed() < 5000);
     clock.start();
-    QVERIFY(!client.Authorize(QStringLiteral("u"), QStringLiteral("p")));
+    QVERIFY(!client.Authorize(u"u"_s, u"p"_s));
     QVERIFY(clock.elapsed() < 5000);
     QVERIFY(host.messages.empty());
 }
@@ -464,7 +466,7 @@ void TestRegistryClient::animalQueueHandsOutAnswersInListOrder()
     // Earlier animals answer later, so answers arrive out of order when overlapped.
     RecordingServer server([](const RecordingServer::Request& request) {
         const QString tag = QUrlQuery(QUrl(QString::fromUtf8(request.target)).query())
-                                .queryItemValue(QStringLiteral("numerIdentyfikacyjnyZwierzecia"));
+                                .queryItemValue(u"numerIdentyfikacyjnyZwierzecia"_s);
         const int number = tag.mid(2).toInt();
         return Reply{number == 4 ? 500 : 200, tag.toUtf8(), (8 - number) * 15};
     });
@@ -474,14 +476,14 @@ void TestRegistryClient::animalQueueHandsOutAnswersInListOrder()
     TdmIRZ_PLUS client(config, host);
     QStringList tags;
     for (int i = 1; i <= 7; ++i)
-        tags.append(QStringLiteral("PL%1").arg(i));
-    auto queue = client.animalQueue(QStringLiteral("1"), tags, false);
+        tags.append(u"PL%1"_s.arg(i));
+    auto queue = client.animalQueue(u"1"_s, tags, false);
     QStringList answers;
     while (!queue.atEnd())
         answers.append(queue.next());
-    QCOMPARE(answers, (QStringList{QStringLiteral("PL1"), QStringLiteral("PL2"), QStringLiteral("PL3"),
-                                   QStringLiteral("\tERR\tHTTP/1.1 500 Internal Server Error"), QStringLiteral("PL5"),
-                                   QStringLiteral("PL6"), QStringLiteral("PL7")}));
+    QCOMPARE(answers, (QStringList{u"PL1"_s, u"PL2"_s, u"PL3"_s,
+                                   u"\tERR\tHTTP/1.1 500 Internal Server Error"_s, u"PL5"_s,
+                                   u"PL6"_s, u"PL7"_s}));
     QCOMPARE(server.requests().size(), 7u);
     QCOMPARE(server.mostUnanswered(), std::min(parallel, 6)); // Qt opens at most six connections to a host
 }
@@ -503,8 +505,8 @@ void TestRegistryClient::waitingForAFreeConnectionDoesNotCountAsTimeOut()
     TdmIRZ_PLUS client(config, host);
     QStringList tags;
     for (int i = 1; i <= 16; ++i)
-        tags.append(QStringLiteral("PL%1").arg(i));
-    auto queue = client.animalQueue(QStringLiteral("1"), tags, false);
+        tags.append(u"PL%1"_s.arg(i));
+    auto queue = client.animalQueue(u"1"_s, tags, false);
     QStringList answers;
     while (!queue.atEnd())
         answers.append(queue.next());
@@ -536,7 +538,7 @@ void TestRegistryClient::settingsOutsideTheirRangeFallBack()
     QFETCH(qint64, maxAnswerBytes);
     QFETCH(int, problems);
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("HALVARN.INI"));
+    const QString path = dir.filePath(u"HALVARN.INI"_s);
     WriteAll(path, "[IRZ]\r\n" + line + "\r\n");
     const RegistryConfig config = RegistryConfig::read(IniFile(path));
     QCOMPARE(config.maxParallelRequests, parallel);

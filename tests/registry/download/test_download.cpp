@@ -15,31 +15,33 @@
 #include <QTest>
 #include <QUrlQuery>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 using Reply = RecordingServer::Reply;
-const QString Producer = QStringLiteral("071234562");
+const QString Producer = u"071234562"_s;
 const QDate Reference(2026, 11, 1);
 
 QString Holding(int number)
 {
-    return Producer + QStringLiteral("-%1").arg(number, 3, 10, QLatin1Char('0'));
+    return Producer + u"-%1"_s.arg(number, 3, 10, QLatin1Char('0'));
 }
 
 QJsonObject AnimalJson(const QString& tag, const char* sex, int ageDays, bool mother, const QString& holding)
 {
     return QJsonObject{
-        {QStringLiteral("numerIdentyfikacyjnyZwierzecia"), tag},
-        {QStringLiteral("dataUrodzenia"), Reference.addDays(-ageDays).toString(u"yyyy-MM-dd")},
-        {QStringLiteral("numerDzialalnosci"), holding},
-        {QStringLiteral("czyMatka"), mother},
-        {QStringLiteral("plec"), QJsonObject{{QStringLiteral("kod"), QLatin1String(sex)},
-                                             {QStringLiteral("opis"), QLatin1String(sex) == u"XX" ? QStringLiteral("Samica")
-                                                                                                    : QStringLiteral("Samiec")}}},
-        {QStringLiteral("typUzytkowy"), QJsonObject{{QStringLiteral("kod"), QStringLiteral("ML")},
-                                                    {QStringLiteral("opis"), QStringLiteral("Mleczny")}}},
-        {QStringLiteral("kierunekUzytkownia"), QJsonObject{{QStringLiteral("kod"), QStringLiteral("ML")},
-                                                           {QStringLiteral("opis"), QStringLiteral("Mleczny")}}},
-        {QStringLiteral("srodkiIdentyfikacji"), QJsonArray{QJsonObject{}, QJsonObject{}}},
+        {u"numerIdentyfikacyjnyZwierzecia"_s, tag},
+        {u"dataUrodzenia"_s, Reference.addDays(-ageDays).toString(u"yyyy-MM-dd")},
+        {u"numerDzialalnosci"_s, holding},
+        {u"czyMatka"_s, mother},
+        {u"plec"_s, QJsonObject{{u"kod"_s, QLatin1String(sex)},
+                                             {u"opis"_s, QLatin1String(sex) == u"XX" ? u"Samica"_s
+                                                                                                    : u"Samiec"_s}}},
+        {u"typUzytkowy"_s, QJsonObject{{u"kod"_s, u"ML"_s},
+                                                    {u"opis"_s, u"Mleczny"_s}}},
+        {u"kierunekUzytkownia"_s, QJsonObject{{u"kod"_s, u"ML"_s},
+                                                           {u"opis"_s, u"Mleczny"_s}}},
+        {u"srodkiIdentyfikacji"_s, QJsonArray{QJsonObject{}, QJsonObject{}}},
     };
 }
 
@@ -57,23 +59,23 @@ struct FakeRegistry {
 
     FakeRegistry()
     {
-        addHerd(1, QStringLiteral("SDZA"));
-        addHerd(2, QStringLiteral("SDZA"));
-        addHerd(3, QStringLiteral("SDZZ"));
-        addHerd(4, QStringLiteral("SDZA"));
+        addHerd(1, u"SDZA"_s);
+        addHerd(2, u"SDZA"_s);
+        addHerd(3, u"SDZZ"_s);
+        addHerd(4, u"SDZA"_s);
         // herd 1: a cow, a heifer of exactly 14 and one of 15 months, a calf
-        addAnimal(1, QStringLiteral("PL001"), "XX", 1500, true, false);
-        addAnimal(1, QStringLiteral("PL002"), "XX", 400, false, true);  // 14 months: the list decides
-        addAnimal(1, QStringLiteral("PL003"), "XX", 440, false, true);  // 15 months: the full record decides
-        addAnimal(1, QStringLiteral("PL004"), "XY", 60, false, false);
-        addAnimal(2, QStringLiteral("PL101"), "XY", 700, false, false);
-        addAnimal(2, QStringLiteral("PL102"), "XX", 800, false, false);
-        addAnimal(3, QStringLiteral("PL201"), "XX", 800, false, false);
+        addAnimal(1, u"PL001"_s, "XX", 1500, true, false);
+        addAnimal(1, u"PL002"_s, "XX", 400, false, true);  // 14 months: the list decides
+        addAnimal(1, u"PL003"_s, "XX", 440, false, true);  // 15 months: the full record decides
+        addAnimal(1, u"PL004"_s, "XY", 60, false, false);
+        addAnimal(2, u"PL101"_s, "XY", 700, false, false);
+        addAnimal(2, u"PL102"_s, "XX", 800, false, false);
+        addAnimal(3, u"PL201"_s, "XX", 800, false, false);
     }
     void addHerd(int number, const QString& state)
     {
-        holdings.append(QJsonObject{{QStringLiteral("numerDzialalnosci"), Holding(number)},
-                                    {QStringLiteral("stanDzialalnosci"), QJsonObject{{QStringLiteral("kod"), state}}}});
+        holdings.append(QJsonObject{{u"numerDzialalnosci"_s, Holding(number)},
+                                    {u"stanDzialalnosci"_s, QJsonObject{{u"kod"_s, state}}}});
         animals[Holding(number)] = QJsonArray{};
     }
     void addAnimal(int herd, const QString& tag, const char* sex, int ageDays, bool listMother, bool fullMother)
@@ -86,21 +88,21 @@ struct FakeRegistry {
         const QUrlQuery query(QUrl(QString::fromUtf8(request.target)).query());
         QString key;
         if (request.target.endsWith("/token"))
-            key = QStringLiteral("token");
+            key = u"token"_s;
         else if (request.target.endsWith("/dzialalnosci"))
-            key = QStringLiteral("holdings");
+            key = u"holdings"_s;
         else if (request.target.contains("zwierzetaIndywidualne"))
-            key = query.queryItemValue(QStringLiteral("numerDzialalnosci"));
+            key = query.queryItemValue(u"numerDzialalnosci"_s);
         else
-            key = query.queryItemValue(QStringLiteral("numerIdentyfikacyjnyZwierzecia"));
+            key = query.queryItemValue(u"numerIdentyfikacyjnyZwierzecia"_s);
         if (overrides.contains(key))
             return overrides.value(key);
         if (key == u"token")
             return {200, R"({"access_token":"t"})", 0};
         if (key == u"holdings")
-            return {200, Json({{QStringLiteral("dzialalnosc"), holdings}}), 0};
+            return {200, Json({{u"dzialalnosc"_s, holdings}}), 0};
         if (animals.contains(key))
-            return {200, Json({{QStringLiteral("listaZwierzeta"), animals.value(key)}}), 0};
+            return {200, Json({{u"listaZwierzeta"_s, animals.value(key)}}), 0};
         return {200, Json(singles.value(key)), 0};
     }
 };
@@ -118,8 +120,8 @@ struct Download {
         RegistryConfig config = RegistryConfig::read(IniFile(session.dataFolder().settingsFile()));
         config.ssoBase = config.apiBase = server.baseUrl();
         config.getTimeoutMs = config.postTimeoutMs = timeoutMs;
-        session.inputs.login = QStringLiteral("jan");
-        session.inputs.password = QStringLiteral("haslo");
+        session.inputs.login = u"jan"_s;
+        session.inputs.password = u"haslo"_s;
         session.inputs.stateDate = session.inputs.referenceDate = Reference;
         if (session.inputs.producerNumber.isNull())
             session.inputs.producerNumber = Producer;
@@ -180,22 +182,22 @@ void TestDownload::fullDownloadFillsTablesSlotsAndMemos()
 {
     FakeRegistry registry;
     Download d;
-    d.session.inputs.producerName = QStringLiteral("Gospodarstwo Zielonka");
+    d.session.inputs.producerName = u"Gospodarstwo Zielonka"_s;
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::Completed);
     QVERIFY(d.host.messages.empty());
-    QCOMPARE(d.numbers(0), (QStringList{QStringLiteral("PL001"), QStringLiteral("PL002"), QStringLiteral("PL003"),
-                                        QStringLiteral("PL004"), QStringLiteral("PL101"), QStringLiteral("PL102")}));
+    QCOMPARE(d.numbers(0), (QStringList{u"PL001"_s, u"PL002"_s, u"PL003"_s,
+                                        u"PL004"_s, u"PL101"_s, u"PL102"_s}));
     QCOMPARE(d.numbers(1).size(), 4);
     QCOMPARE(d.numbers(2).size(), 2);
     QCOMPARE(d.session.herdCount, 2);
     const auto& slots = d.session.tables().HerdSlots;
     QVERIFY(slots[0].Visible && slots[1].Visible && slots[2].Visible && !slots[3].Visible && !slots[4].Visible);
-    QCOMPARE(slots[2].Code, QStringLiteral("002"));
+    QCOMPARE(slots[2].Code, u"002"_s);
     QCOMPARE(slots[2].Index, 1);
-    QCOMPARE(d.session.errors(), (QStringList{QStringLiteral("Nie aktywne stado: 071234562-003"),
-                                              QStringLiteral("Brak zwierząt w stadzie: 071234562-004")}));
-    QVERIFY(d.session.loaded().startsWith(QStringLiteral("dzialalnosc\n{\"listaZwierzeta\"")));
+    QCOMPARE(d.session.errors(), (QStringList{u"Nie aktywne stado: 071234562-003"_s,
+                                              u"Brak zwierząt w stadzie: 071234562-004"_s}));
+    QVERIFY(d.session.loaded().startsWith(u"dzialalnosc\n{\"listaZwierzeta\""_s));
     QCOMPARE(d.requestsFor("numerDzialalnosci=071234562-003"), 0);
     QCOMPARE(d.requestsFor("zwierzeIndywidualne"), 6);
     QCOMPARE(d.host.progress[1], std::make_pair(5, 5)); // three active herds + 2
@@ -204,12 +206,12 @@ void TestDownload::fullDownloadFillsTablesSlotsAndMemos()
     QCOMPARE(producer.recordCount(), 1);
     QCOMPARE(AsString(producer.value(u"PRODUCENT")), Producer);
     QCOMPARE(AsDate(producer.value(u"DATA3")), Reference);
-    QCOMPARE(AsString(producer.value(u"NAZWA")), QStringLiteral("Gospodarstwo Zielonka"));
+    QCOMPARE(AsString(producer.value(u"NAZWA")), u"Gospodarstwo Zielonka"_s);
     Table& summary = d.session.tables().mdRZ00();
-    QCOMPARE(AsString(summary.at(0, summary.requireField(u"Plec"))), QStringLiteral("Samica"));
-    QCOMPARE(AsString(summary.at(0, summary.requireField(u"IloscOznakowan"))), QStringLiteral("2"));
-    QCOMPARE(AsString(summary.at(4, summary.requireField(u"STADO"))), QStringLiteral("002"));
-    QCOMPARE(AsString(summary.at(0, summary.requireField(u"Rozpatrzono"))), QStringLiteral("D"));
+    QCOMPARE(AsString(summary.at(0, summary.requireField(u"Plec"))), u"Samica"_s);
+    QCOMPARE(AsString(summary.at(0, summary.requireField(u"IloscOznakowan"))), u"2"_s);
+    QCOMPARE(AsString(summary.at(4, summary.requireField(u"STADO"))), u"002"_s);
+    QCOMPARE(AsString(summary.at(0, summary.requireField(u"Rozpatrzono"))), u"D"_s);
 }
 
 void TestDownload::motherFlagOfOlderFemalesComesFromTheFullRecord_data()
@@ -226,7 +228,7 @@ void TestDownload::motherFlagOfOlderFemalesComesFromTheFullRecord()
     QFETCH(int, motherPL003);
     FakeRegistry registry;
     if (!fullRecordOfPL003.isNull())
-        registry.overrides[QStringLiteral("PL003")] = Reply{200, fullRecordOfPL003, 0};
+        registry.overrides[u"PL003"_s] = Reply{200, fullRecordOfPL003, 0};
     Download d;
     d.run(registry);
     QVERIFY(d.host.messages.empty());
@@ -251,66 +253,66 @@ void TestDownload::failuresEndTheirHerdOrTheCommand_data()
     QTest::addColumn<QString>("message");
     QTest::addColumn<QStringList>("animals");
     QTest::addColumn<QString>("incomplete"); // the start of the herd's line, when one ends early
-    const QStringList all{QStringLiteral("PL001"), QStringLiteral("PL002"), QStringLiteral("PL003"),
-                          QStringLiteral("PL004"), QStringLiteral("PL101"), QStringLiteral("PL102")};
-    const QStringList secondHerdOnly{QStringLiteral("PL101"), QStringLiteral("PL102")};
+    const QStringList all{u"PL001"_s, u"PL002"_s, u"PL003"_s,
+                          u"PL004"_s, u"PL101"_s, u"PL102"_s};
+    const QStringList secondHerdOnly{u"PL101"_s, u"PL102"_s};
     const int completed = static_cast<int>(DownloadOutcome::Completed);
     const int incomplete = static_cast<int>(DownloadOutcome::Incomplete);
     const int stopped = static_cast<int>(DownloadOutcome::Stopped);
-    const QString serverError = QStringLiteral("Serwer zgłosił błąd: E: awaria (HTTP/1.1 500 Internal Server Error)");
-    const QString notJson = QStringLiteral("Odpowiedź serwera nie jest poprawnym obiektem JSON: <html>Błąd</html>");
-    const QString cut = QStringLiteral("Serwer zgłosił błąd: Połączenie zostało przerwane");
-    const QString herd1 = QStringLiteral("Stado 001 (działalność 071234562-001) niepełne: ");
-    const QString herd2 = QStringLiteral("Stado 002 (działalność 071234562-002) niepełne: ");
-    const QString noList = QStringLiteral("nie odczytano listy zwierząt. Przyczyna: ");
+    const QString serverError = u"Serwer zgłosił błąd: E: awaria (HTTP/1.1 500 Internal Server Error)"_s;
+    const QString notJson = u"Odpowiedź serwera nie jest poprawnym obiektem JSON: <html>Błąd</html>"_s;
+    const QString cut = u"Serwer zgłosił błąd: Połączenie zostało przerwane"_s;
+    const QString herd1 = u"Stado 001 (działalność 071234562-001) niepełne: "_s;
+    const QString herd2 = u"Stado 002 (działalność 071234562-002) niepełne: "_s;
+    const QString noList = u"nie odczytano listy zwierząt. Przyczyna: "_s;
     const Reply cutReply = RecordingServer::Broken(RecordingServer::Break::CutAfterHeaders);
-    QTest::newRow("refused log-in") << QStringLiteral("token") << Reply{401, R"({"error":"invalid_grant"})", 0}
-                                    << stopped << QStringLiteral("Brak autoryzacji (Być może niepoprawny login/hasło)")
+    QTest::newRow("refused log-in") << u"token"_s << Reply{401, R"({"error":"invalid_grant"})", 0}
+                                    << stopped << u"Brak autoryzacji (Być może niepoprawny login/hasło)"_s
                                     << QStringList() << QString();
     QTest::newRow("log-in: cut after the headers")
-        << QStringLiteral("token") << cutReply << stopped
-        << QStringLiteral("Autoryzacja zakończona z błędem: Połączenie zostało przerwane") << QStringList() << QString();
-    QTest::newRow("holdings: HTTP error") << QStringLiteral("holdings") << ServerError << stopped << serverError
+        << u"token"_s << cutReply << stopped
+        << u"Autoryzacja zakończona z błędem: Połączenie zostało przerwane"_s << QStringList() << QString();
+    QTest::newRow("holdings: HTTP error") << u"holdings"_s << ServerError << stopped << serverError
                                           << QStringList() << QString();
-    QTest::newRow("holdings: cut after the headers") << QStringLiteral("holdings") << cutReply << stopped
-                                                     << QStringLiteral("Połączenie zostało przerwane") << QStringList()
+    QTest::newRow("holdings: cut after the headers") << u"holdings"_s << cutReply << stopped
+                                                     << u"Połączenie zostało przerwane"_s << QStringList()
                                                      << QString();
-    QTest::newRow("holdings: komunikat") << QStringLiteral("holdings") << Komunikat("Brak producenta") << stopped
-                                         << QStringLiteral("Serwer zwrócił komunikat: Brak producenta") << QStringList()
+    QTest::newRow("holdings: komunikat") << u"holdings"_s << Komunikat("Brak producenta") << stopped
+                                         << u"Serwer zwrócił komunikat: Brak producenta"_s << QStringList()
                                          << QString();
-    QTest::newRow("holdings: not JSON") << QStringLiteral("holdings") << NotJson << stopped << notJson << QStringList()
+    QTest::newRow("holdings: not JSON") << u"holdings"_s << NotJson << stopped << notJson << QStringList()
                                         << QString();
     QTest::newRow("herd list: HTTP error") << Holding(1) << ServerError << incomplete << serverError << secondHerdOnly
                                            << herd1 + noList + serverError;
     QTest::newRow("herd list: cut after the headers")
         << Holding(1) << cutReply << incomplete << cut << secondHerdOnly << herd1 + noList + cut;
     QTest::newRow("herd list: komunikat") << Holding(1) << Komunikat("Brak uprawnień") << incomplete
-                                          << QStringLiteral("Serwer zwrócił komunikat: Brak uprawnień") << secondHerdOnly
-                                          << herd1 + noList + QStringLiteral("Serwer zwrócił komunikat");
+                                          << u"Serwer zwrócił komunikat: Brak uprawnień"_s << secondHerdOnly
+                                          << herd1 + noList + u"Serwer zwrócił komunikat"_s;
     QTest::newRow("herd list: empty answer") << Holding(1) << Reply{200, "", 0} << incomplete << QString()
-                                             << secondHerdOnly << herd1 + noList + QStringLiteral("pusta odpowiedź");
+                                             << secondHerdOnly << herd1 + noList + u"pusta odpowiedź"_s;
     QTest::newRow("herd list: not JSON") << Holding(2) << NotJson << stopped << notJson << all.mid(0, 4)
                                          << herd2 + noList + notJson;
-    const QString twoOfFour = QStringLiteral("odczytano 2 z 4 zwierząt. Przyczyna: ");
-    QTest::newRow("animal: HTTP error") << QStringLiteral("PL003") << ServerError << incomplete << serverError
+    const QString twoOfFour = u"odczytano 2 z 4 zwierząt. Przyczyna: "_s;
+    QTest::newRow("animal: HTTP error") << u"PL003"_s << ServerError << incomplete << serverError
                                         << (all.mid(0, 2) + secondHerdOnly) << herd1 + twoOfFour + serverError;
-    QTest::newRow("animal: cut after the headers") << QStringLiteral("PL003") << cutReply << incomplete << cut
+    QTest::newRow("animal: cut after the headers") << u"PL003"_s << cutReply << incomplete << cut
                                                    << (all.mid(0, 2) + secondHerdOnly) << herd1 + twoOfFour + cut;
     QTest::newRow("animal: silent after the headers")
-        << QStringLiteral("PL003") << RecordingServer::Broken(RecordingServer::Break::StallAfterHeaders) << incomplete
-        << QStringLiteral("Serwer zgłosił błąd: Przekroczono czas oczekiwania") << (all.mid(0, 2) + secondHerdOnly)
-        << herd1 + twoOfFour + QStringLiteral("Serwer zgłosił błąd: Przekroczono czas oczekiwania");
-    QTest::newRow("older female: komunikat") << QStringLiteral("PL003") << Komunikat("Zablokowane") << incomplete
-                                             << QStringLiteral("Serwer zwrócił komunikat: Zablokowane")
+        << u"PL003"_s << RecordingServer::Broken(RecordingServer::Break::StallAfterHeaders) << incomplete
+        << u"Serwer zgłosił błąd: Przekroczono czas oczekiwania"_s << (all.mid(0, 2) + secondHerdOnly)
+        << herd1 + twoOfFour + u"Serwer zgłosił błąd: Przekroczono czas oczekiwania"_s;
+    QTest::newRow("older female: komunikat") << u"PL003"_s << Komunikat("Zablokowane") << incomplete
+                                             << u"Serwer zwrócił komunikat: Zablokowane"_s
                                              << (all.mid(0, 2) + secondHerdOnly)
-                                             << herd1 + twoOfFour + QStringLiteral("Serwer zwrócił komunikat");
-    QTest::newRow("young animal: its full record is not read") << QStringLiteral("PL004") << Komunikat("Zablokowane")
+                                             << herd1 + twoOfFour + u"Serwer zwrócił komunikat"_s;
+    QTest::newRow("young animal: its full record is not read") << u"PL004"_s << Komunikat("Zablokowane")
                                                                << completed << QString() << all << QString();
-    QTest::newRow("older female: not JSON") << QStringLiteral("PL001") << NotJson << stopped << notJson << QStringList()
-                                            << herd1 + QStringLiteral("odczytano 0 z 4 zwierząt. Przyczyna: ") + notJson;
-    QTest::newRow("animal: time-out") << QStringLiteral("PL101") << Reply{200, "{}", 3000} << stopped
-                                      << QStringLiteral("Przekroczono czas oczekiwania") << all.mid(0, 4)
-                                      << herd2 + QStringLiteral("odczytano 0 z 2 zwierząt. Przyczyna: Przekroczono");
+    QTest::newRow("older female: not JSON") << u"PL001"_s << NotJson << stopped << notJson << QStringList()
+                                            << herd1 + u"odczytano 0 z 4 zwierząt. Przyczyna: "_s + notJson;
+    QTest::newRow("animal: time-out") << u"PL101"_s << Reply{200, "{}", 3000} << stopped
+                                      << u"Przekroczono czas oczekiwania"_s << all.mid(0, 4)
+                                      << herd2 + u"odczytano 0 z 2 zwierząt. Przyczyna: Przekroczono"_s;
 }
 
 void TestDownload::failuresEndTheirHerdOrTheCommand()
@@ -356,11 +358,11 @@ void TestDownload::noProducerNumberDownloadsNothing()
 {
     FakeRegistry registry;
     Download d;
-    d.session.inputs.producerNumber = QStringLiteral("");
+    d.session.inputs.producerNumber = u""_s;
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::NotStarted);
-    QCOMPARE(d.host.messageTexts(), QStringList{QStringLiteral("Nie podanu mumeru producenta")});
-    QCOMPARE(d.host.messages[0].caption, QStringLiteral("Błąd..."));
+    QCOMPARE(d.host.messageTexts(), QStringList{u"Nie podanu mumeru producenta"_s});
+    QCOMPARE(d.host.messages[0].caption, u"Błąd..."_s);
     QVERIFY(d.requests.empty());
 }
 
@@ -370,10 +372,10 @@ void TestDownload::loadedDataIsKeptWhenTheUserSaysNo()
     Download d;
     d.run(registry);
     d.host.answerYes = false;
-    registry.overrides[QStringLiteral("holdings")] = ServerError;
+    registry.overrides[u"holdings"_s] = ServerError;
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::NotStarted);
-    QCOMPARE(d.host.questions, QStringList{QStringLiteral("Są wczytane dane. Będą one usunięte. Czy kontynuować?")});
+    QCOMPARE(d.host.questions, QStringList{u"Są wczytane dane. Będą one usunięte. Czy kontynuować?"_s});
     QCOMPARE(d.numbers(0).size(), 6);
 }
 
@@ -425,12 +427,12 @@ void TestDownload::herdCodesOutsideTheTabsEndTheCommand_data()
 {
     QTest::addColumn<QString>("holding");
     QTest::addColumn<QString>("message");
-    QTest::newRow("not a number") << Producer + QStringLiteral("-A01")
-                                  << QStringLiteral("Numer stada \"A01\" działalności 071234562-A01 nie jest liczbą");
-    QTest::newRow("slot 21") << Producer + QStringLiteral("-021")
-                             << QStringLiteral("Stado 021 (071234562-021) nie mieści się w 20 zakładkach stad");
-    QTest::newRow("slot 0") << Producer + QStringLiteral("-000")
-                            << QStringLiteral("Stado 000 (071234562-000) nie mieści się w 20 zakładkach stad");
+    QTest::newRow("not a number") << Producer + u"-A01"_s
+                                  << u"Numer stada \"A01\" działalności 071234562-A01 nie jest liczbą"_s;
+    QTest::newRow("slot 21") << Producer + u"-021"_s
+                             << u"Stado 021 (071234562-021) nie mieści się w 20 zakładkach stad"_s;
+    QTest::newRow("slot 0") << Producer + u"-000"_s
+                            << u"Stado 000 (071234562-000) nie mieści się w 20 zakładkach stad"_s;
 }
 
 void TestDownload::herdCodesOutsideTheTabsEndTheCommand()
@@ -438,9 +440,9 @@ void TestDownload::herdCodesOutsideTheTabsEndTheCommand()
     QFETCH(QString, holding);
     QFETCH(QString, message);
     FakeRegistry registry;
-    registry.holdings.append(QJsonObject{{QStringLiteral("numerDzialalnosci"), holding},
-                                         {QStringLiteral("stanDzialalnosci"), QJsonObject{{QStringLiteral("kod"), QStringLiteral("SDZA")}}}});
-    registry.animals[holding] = QJsonArray{AnimalJson(QStringLiteral("PL900"), "XX", 100, false, holding)};
+    registry.holdings.append(QJsonObject{{u"numerDzialalnosci"_s, holding},
+                                         {u"stanDzialalnosci"_s, QJsonObject{{u"kod"_s, u"SDZA"_s}}}});
+    registry.animals[holding] = QJsonArray{AnimalJson(u"PL900"_s, "XX", 100, false, holding)};
     Download d;
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::Stopped);
@@ -452,13 +454,13 @@ void TestDownload::cancellingStopsBetweenAnimalsWithConsistentTables()
 {
     FakeRegistry registry;
     Download d;
-    d.host.cancelWhen = [&d] { return d.host.stepTexts.filter(QStringLiteral("Rozczytywanie danych: ")).size() >= 2; };
+    d.host.cancelWhen = [&d] { return d.host.stepTexts.filter(u"Rozczytywanie danych: "_s).size() >= 2; };
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::Stopped);
-    QCOMPARE(d.numbers(0), (QStringList{QStringLiteral("PL001"), QStringLiteral("PL002")}));
+    QCOMPARE(d.numbers(0), (QStringList{u"PL001"_s, u"PL002"_s}));
     QCOMPARE(d.numbers(1), d.numbers(0));
-    QCOMPARE(d.session.errors().last(), QStringLiteral("Stado 001 (działalność 071234562-001) niepełne: odczytano 2 z 4 "
-                                                       "zwierząt. Przyczyna: Przerwano na żądanie użytkownika"));
+    QCOMPARE(d.session.errors().last(), u"Stado 001 (działalność 071234562-001) niepełne: odczytano 2 z 4 "
+                                                       u"zwierząt. Przyczyna: Przerwano na żądanie użytkownika"_s);
     QVERIFY(d.host.messages.empty());
     QVERIFY(!d.session.busy());
 }
@@ -466,17 +468,17 @@ void TestDownload::cancellingStopsBetweenAnimalsWithConsistentTables()
 void TestDownload::aSecondHoldingWithTheSameHerdCodeIsRefused()
 {
     FakeRegistry registry;
-    const QString twin = QStringLiteral("999999999-001");
-    registry.holdings.append(QJsonObject{{QStringLiteral("numerDzialalnosci"), twin},
-                                         {QStringLiteral("stanDzialalnosci"), QJsonObject{{QStringLiteral("kod"), QStringLiteral("SDZA")}}}});
-    registry.animals[twin] = QJsonArray{AnimalJson(QStringLiteral("PL900"), "XX", 100, false, twin)};
+    const QString twin = u"999999999-001"_s;
+    registry.holdings.append(QJsonObject{{u"numerDzialalnosci"_s, twin},
+                                         {u"stanDzialalnosci"_s, QJsonObject{{u"kod"_s, u"SDZA"_s}}}});
+    registry.animals[twin] = QJsonArray{AnimalJson(u"PL900"_s, "XX", 100, false, twin)};
     Download d;
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::Incomplete);
     QCOMPARE(d.numbers(1).size(), 4);
-    QVERIFY(!d.numbers(0).contains(QStringLiteral("PL900")));
+    QVERIFY(!d.numbers(0).contains(u"PL900"_s));
     QVERIFY(d.session.errors().contains(
-        QStringLiteral("Stado 001 (działalność 999999999-001) pominięte: ten sam numer stada ma działalność 071234562-001")));
+        u"Stado 001 (działalność 999999999-001) pominięte: ten sam numer stada ma działalność 071234562-001"_s));
     QCOMPARE(d.requestsFor("numerDzialalnosci=999999999-001"), 0);
 }
 
@@ -484,15 +486,15 @@ void TestDownload::aSecondHoldingWithTheSameHerdCodeIsRefused()
 void TestDownload::animalsBornAfterTheReferenceDateAreReported()
 {
     FakeRegistry registry;
-    registry.addAnimal(2, QStringLiteral("PL103"), "XY", -40, false, false);
-    registry.addAnimal(2, QStringLiteral("PL104"), "XY", -1, false, false);
-    registry.addAnimal(2, QStringLiteral("PL105"), "XY", 0, false, false);
+    registry.addAnimal(2, u"PL103"_s, "XY", -40, false, false);
+    registry.addAnimal(2, u"PL104"_s, "XY", -1, false, false);
+    registry.addAnimal(2, u"PL105"_s, "XY", 0, false, false);
     Download d;
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::Completed);
     QCOMPARE(d.numbers(2).size(), 5);
-    QCOMPARE(d.session.errors().filter(QStringLiteral("urodzenia")),
-             QStringList{QStringLiteral("Data \"Halvarn na dzień\" (2026-11-01) jest wcześniejsza niż data urodzenia 2 zwierząt")});
+    QCOMPARE(d.session.errors().filter(u"urodzenia"_s),
+             QStringList{u"Data \"Halvarn na dzień\" (2026-11-01) jest wcześniejsza niż data urodzenia 2 zwierząt"_s});
 }
 
 void TestDownload::badSettingsAreReportedAndReplacedByDefaults()
@@ -504,9 +506,9 @@ void TestDownload::badSettingsAreReportedAndReplacedByDefaults()
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::Completed);
     QCOMPARE(d.host.messages.size(), 1u);
-    QCOMPARE(d.host.messages[0].caption, QStringLiteral("Informacja"));
-    QVERIFY(d.host.messages[0].text.contains(QStringLiteral("CieletaGrp_Do_150KG_Wiek_Do=-3")));
-    QVERIFY(d.session.errors().first().contains(QStringLiteral("MaxParallelRequests=100")));
+    QCOMPARE(d.host.messages[0].caption, u"Informacja"_s);
+    QVERIFY(d.host.messages[0].text.contains(u"CieletaGrp_Do_150KG_Wiek_Do=-3"_s));
+    QVERIFY(d.session.errors().first().contains(u"MaxParallelRequests=100"_s));
 }
 
 // One active herd of two animals and an inactive one: every status text and
@@ -516,37 +518,37 @@ void TestDownload::statusTextsAndProgressFollowTheSteps()
     FakeRegistry registry;
     registry.holdings = {};
     registry.animals.clear();
-    registry.addHerd(1, QStringLiteral("SDZA"));
-    registry.addHerd(3, QStringLiteral("SDZZ"));
-    registry.addAnimal(1, QStringLiteral("PL001"), "XX", 1500, true, false);
-    registry.addAnimal(1, QStringLiteral("PL004"), "XY", 60, false, false);
+    registry.addHerd(1, u"SDZA"_s);
+    registry.addHerd(3, u"SDZZ"_s);
+    registry.addAnimal(1, u"PL001"_s, "XX", 1500, true, false);
+    registry.addAnimal(1, u"PL004"_s, "XY", 60, false, false);
     Download d;
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::Completed);
 
-    QStringList clearing{QStringLiteral("H:"), QStringLiteral("S:"), QStringLiteral("S:Czyszczenie danych")};
+    QStringList clearing{u"H:"_s, u"S:"_s, u"S:Czyszczenie danych"_s};
     for (int slot = 0; slot < HerdSlotCount; ++slot)
-        clearing << (slot == 0 ? QStringLiteral("H:Stado: 000") : QStringLiteral("H:Stado: "))
-                 << QStringLiteral("S:Czyszczenie danych RZ") << QStringLiteral("S:Czyszczenie danych GT");
-    clearing << QStringLiteral("S:Tworzenie grup technologicznych");
+        clearing << (slot == 0 ? u"H:Stado: 000"_s : u"H:Stado: "_s)
+                 << u"S:Czyszczenie danych RZ"_s << u"S:Czyszczenie danych GT"_s;
+    clearing << u"S:Tworzenie grup technologicznych"_s;
     const QStringList download{
-        QStringLiteral("H:"), QStringLiteral("S:"), // the busy status bar of the long operation
-        QStringLiteral("S:Autoryzacja"), QStringLiteral("S:Pobieranie listy stad"),
-        QStringLiteral("H:Stado: 001"), QStringLiteral("S:Pobieranie danych"), QStringLiteral("S:Rozczytywanie danych"),
-        QStringLiteral("S:Pobier. dod. inform.: PL001"), QStringLiteral("S:Rozczytywanie danych: PL001"),
-        QStringLiteral("S:Pobier. dod. inform.: PL004"), QStringLiteral("S:Rozczytywanie danych: PL004")};
+        u"H:"_s, u"S:"_s, // the busy status bar of the long operation
+        u"S:Autoryzacja"_s, u"S:Pobieranie listy stad"_s,
+        u"H:Stado: 001"_s, u"S:Pobieranie danych"_s, u"S:Rozczytywanie danych"_s,
+        u"S:Pobier. dod. inform.: PL001"_s, u"S:Rozczytywanie danych: PL001"_s,
+        u"S:Pobier. dod. inform.: PL004"_s, u"S:Rozczytywanie danych: PL004"_s};
     QCOMPARE(d.host.statusLog, clearing + download);
 
-    const qsizetype cleared = d.host.progressLog.indexOf(QStringLiteral("1:64/65"));
+    const qsizetype cleared = d.host.progressLog.indexOf(u"1:64/65"_s);
     QCOMPARE(cleared, 3 + 63); // busy (2 bars), maximum 65, then 64 steps
     QCOMPARE(d.host.progressLog.mid(cleared + 1),
-             (QStringList{QStringLiteral("1:0/2"), QStringLiteral("2:0/100"), // busy again
-                          QStringLiteral("1:1/2"), QStringLiteral("1:2/2"),   // log-in, holdings
-                          QStringLiteral("1:2/3"),                            // one active herd + 2
-                          QStringLiteral("1:3/3"),                            // the herd
-                          QStringLiteral("2:0/2"), QStringLiteral("2:1/2"), QStringLiteral("2:2/2"),
-                          QStringLiteral("2:0/2")}));
-    QCOMPARE(d.session.errors(), QStringList{QStringLiteral("Nie aktywne stado: 071234562-003")});
+             (QStringList{u"1:0/2"_s, u"2:0/100"_s, // busy again
+                          u"1:1/2"_s, u"1:2/2"_s,   // log-in, holdings
+                          u"1:2/3"_s,                            // one active herd + 2
+                          u"1:3/3"_s,                            // the herd
+                          u"2:0/2"_s, u"2:1/2"_s, u"2:2/2"_s,
+                          u"2:0/2"_s}));
+    QCOMPARE(d.session.errors(), QStringList{u"Nie aktywne stado: 071234562-003"_s});
     QVERIFY(d.host.messages.empty());
 }
 
@@ -554,11 +556,11 @@ void TestDownload::findAgeInList_data()
 {
     QTest::addColumn<QString>("number");
     QTest::addColumn<int>("age");
-    QTest::newRow("first of two with the number") << QStringLiteral("PL002") << 3;
-    QTest::newRow("born on the reference day") << QStringLiteral("PL003") << 0;
-    QTest::newRow("without a birth date") << QStringLiteral("PL004") << 24486;
-    QTest::newRow("case counts") << QStringLiteral("pl002") << 0;
-    QTest::newRow("no such animal") << QStringLiteral("PL999") << 0;
+    QTest::newRow("first of two with the number") << u"PL002"_s << 3;
+    QTest::newRow("born on the reference day") << u"PL003"_s << 0;
+    QTest::newRow("without a birth date") << u"PL004"_s << 24486;
+    QTest::newRow("case counts") << u"pl002"_s << 0;
+    QTest::newRow("no such animal") << u"PL999"_s << 0;
 }
 
 void TestDownload::findAgeInList()
@@ -585,12 +587,12 @@ void TestDownload::gatherCredentials_data()
     QTest::addColumn<bool>("torvLogin");
     QTest::addColumn<QString>("login");
     QTest::addColumn<QString>("gathered"); // login, password, producer
-    const QString fields = QStringLiteral("jan|haslo|123456789");
-    const QString test = QStringLiteral("uzytkownik.testowy.1|Zielonka7Kb2!|071234562");
-    QTest::newRow("fields") << false << QStringLiteral("jan") << fields;
-    QTest::newRow("fields, even without a login") << false << QString() << QStringLiteral("|haslo|123456789");
+    const QString fields = u"jan|haslo|123456789"_s;
+    const QString test = u"uzytkownik.testowy.1|Zielonka7Kb2!|071234562"_s;
+    QTest::newRow("fields") << false << u"jan"_s << fields;
+    QTest::newRow("fields, even without a login") << false << QString() << u"|haslo|123456789"_s;
     QTest::newRow("test credentials for an empty login") << true << QString() << test;
-    QTest::newRow("a typed login wins over the test credentials") << true << QStringLiteral("jan") << fields;
+    QTest::newRow("a typed login wins over the test credentials") << true << u"jan"_s << fields;
 }
 
 void TestDownload::gatherCredentials()
@@ -601,8 +603,8 @@ void TestDownload::gatherCredentials()
     Download d;
     d.session.common.torvLogin = torvLogin;
     d.session.inputs.login = login;
-    d.session.inputs.password = QStringLiteral("haslo");
-    d.session.inputs.producerNumber = QStringLiteral("123456789");
+    d.session.inputs.password = u"haslo"_s;
+    d.session.inputs.producerNumber = u"123456789"_s;
     d.session.GatherCredentials();
     QCOMPARE(QStringList({d.session.Login, d.session.Password, d.session.ProducerNumber}).join(u'|'), gathered);
 }

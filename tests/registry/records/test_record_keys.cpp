@@ -10,6 +10,8 @@
 
 #include <functional>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 enum class Kind { Integer, Flag, Number, Text, Date, DocumentDate, Pair, DuplicateCount };
 enum class Fill { Values, Nulls, Nothing };
@@ -37,12 +39,12 @@ QJsonValue JsonValue(Kind kind, const char* key, int n)
     case Kind::Integer: return 100 + n;
     case Kind::Flag: return true;
     case Kind::Number: return n + 0.25;
-    case Kind::Text: return QString::fromUtf8(key) + QStringLiteral(" ł");
+    case Kind::Text: return QString::fromUtf8(key) + u" ł"_s;
     case Kind::Date: return FirstDay.addDays(n).toString(u"yyyy-MM-dd");
-    case Kind::DocumentDate: return FirstDay.addDays(n).toString(u"yyyy-MM-dd") + QStringLiteral("T06:00:00");
+    case Kind::DocumentDate: return FirstDay.addDays(n).toString(u"yyyy-MM-dd") + u"T06:00:00"_s;
     case Kind::Pair:
-        return QJsonObject{{QStringLiteral("kod"), QStringLiteral("K%1").arg(n)},
-                           {QStringLiteral("opis"), QStringLiteral("opis ") + QString::fromUtf8(key)}};
+        return QJsonObject{{u"kod"_s, u"K%1"_s.arg(n)},
+                           {u"opis"_s, u"opis "_s + QString::fromUtf8(key)}};
     case Kind::DuplicateCount: return 3;
     }
     return {};
@@ -56,11 +58,11 @@ QVariant Expected(Kind kind, const char* key, int n, Fill fill)
     case Kind::Flag:
     case Kind::DuplicateCount: return set;
     case Kind::Number: return set ? n + 0.25 : 0.0;
-    case Kind::Text: return set ? QString::fromUtf8(key) + QStringLiteral(" ł") : QString();
+    case Kind::Text: return set ? QString::fromUtf8(key) + u" ł"_s : QString();
     case Kind::Date: return set ? ToDateTime(FirstDay.addDays(n)) : EmptyDate;
     case Kind::DocumentDate: return set ? ToDateTime(FirstDay.addDays(n)) + 0.25 : EmptyDate;
     case Kind::Pair:
-        return set ? QStringList{QStringLiteral("K%1").arg(n), QStringLiteral("opis ") + QString::fromUtf8(key)}
+        return set ? QStringList{u"K%1"_s.arg(n), u"opis "_s + QString::fromUtf8(key)}
                    : QStringList{QString(), QString()};
     }
     return {};
@@ -252,17 +254,17 @@ void TestRecordKeys::holdingListsHoldTheirElements()
 {
     QFETCH(Fill, fill);
     QJsonObject pasture = JsonFor(PastureKeys, fill);
-    pasture.insert(QStringLiteral("listaPunktowPolozenia"), TwoOf(PointKeys, fill));
+    pasture.insert(u"listaPunktowPolozenia"_s, TwoOf(PointKeys, fill));
     const QJsonObject json{
-        {QStringLiteral("listaBudynkow"), TwoOf(BuildingKeys, fill)},
-        {QStringLiteral("listaDeklarowanychGatunkow"), TwoOf(SpeciesKeys, fill)},
-        {QStringLiteral("listaSystemowUtrzymywaniaZwierzat"), TwoOf(KeepingKeys, fill)},
-        {QStringLiteral("zwierzetaWDzialalnosci"), TwoOf(CountKeys, fill)},
-        {QStringLiteral("listaOsobOpiekujacychSieZwierzetami"), TwoOf(KeeperKeys, fill)},
-        {QStringLiteral("przydzieloneIdentyfikatory"), TwoOf(TagKeys, fill)},
-        {QStringLiteral("listaPastwisk"), QJsonArray{pasture, pasture}},
-        {QStringLiteral("stanDzialalnosciDlaGatunku"), TwoOf(SpeciesStateKeys, fill)},
-        {QStringLiteral("listaDzialekEwidencyjnych"), TwoOf(ParcelKeys, fill)},
+        {u"listaBudynkow"_s, TwoOf(BuildingKeys, fill)},
+        {u"listaDeklarowanychGatunkow"_s, TwoOf(SpeciesKeys, fill)},
+        {u"listaSystemowUtrzymywaniaZwierzat"_s, TwoOf(KeepingKeys, fill)},
+        {u"zwierzetaWDzialalnosci"_s, TwoOf(CountKeys, fill)},
+        {u"listaOsobOpiekujacychSieZwierzetami"_s, TwoOf(KeeperKeys, fill)},
+        {u"przydzieloneIdentyfikatory"_s, TwoOf(TagKeys, fill)},
+        {u"listaPastwisk"_s, QJsonArray{pasture, pasture}},
+        {u"stanDzialalnosciDlaGatunku"_s, TwoOf(SpeciesStateKeys, fill)},
+        {u"listaDzialekEwidencyjnych"_s, TwoOf(ParcelKeys, fill)},
     };
     const auto herd = ParseOne<Herd>(json);
     QVERIFY(BothMatch(herd->listaBudynkow, BuildingKeys, fill));
@@ -286,7 +288,7 @@ void TestRecordKeys::animalEarTags_data()
 void TestRecordKeys::animalEarTags()
 {
     QFETCH(Fill, fill);
-    const auto animal = Animal::ParseOne({{QStringLiteral("srodkiIdentyfikacji"), TwoOf(EarTagKeys, fill)}});
+    const auto animal = Animal::ParseOne({{u"srodkiIdentyfikacji"_s, TwoOf(EarTagKeys, fill)}});
     QVERIFY(BothMatch(animal->srodkiIdentyfikacji, EarTagKeys, fill));
 }
 

@@ -8,6 +8,8 @@
 
 #include <limits>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 QJsonObject Json(const char* text)
 {
@@ -51,10 +53,10 @@ void TestRecords::animalNumberTakesTheRegisteredKeyLast()
 {
     QCOMPARE(Animal(R"({"numerIdentyfikacyjnyZwierzecia":"PL1","numerIdentyfikacyjnyRejestrowanegoZwierzecia":"PL2"})")
                  ->numerIdentyfikacyjnyZwierzecia,
-             QStringLiteral("PL2"));
+             u"PL2"_s);
     QCOMPARE(Animal(R"({"numerIdentyfikacyjnyZwierzecia":"PL1","numerIdentyfikacyjnyRejestrowanegoZwierzecia":null})")
                  ->numerIdentyfikacyjnyZwierzecia,
-             QStringLiteral("PL1"));
+             u"PL1"_s);
 }
 
 void TestRecords::datesReadTheirForms_data()
@@ -86,7 +88,7 @@ void TestRecords::documentDatesReplaceTheT()
     QCOMPARE(documents.at(0)->dataZlozeniaDokumentu, Day(2026, 11, 23) + 0.75);
     QCOMPARE(documents.at(0)->dataUtworzenia, Day(2026, 11, 23) + 0.25);
     QCOMPARE(documents.at(0)->dataModyfikacji, EmptyDate);
-    QCOMPARE(documents.at(0)->statusDokumentu, QStringLiteral("7"));
+    QCOMPARE(documents.at(0)->statusDokumentu, u"7"_s);
 }
 
 void TestRecords::codePairsAreCutAndToleratePartialObjects_data()
@@ -96,12 +98,12 @@ void TestRecords::codePairsAreCutAndToleratePartialObjects_data()
     QTest::addColumn<QString>("opis");
     const QString longKod(40, u'K');
     const QString longOpis(250, u'ż');
-    QTest::newRow("cut") << QStringLiteral(R"({"kod":"%1","opis":"%2"})").arg(longKod, longOpis) << longKod.left(30)
+    QTest::newRow("cut") << uR"({"kod":"%1","opis":"%2"})"_s.arg(longKod, longOpis) << longKod.left(30)
                          << longOpis.left(200);
-    QTest::newRow("missing opis") << QStringLiteral(R"({"kod":"XX"})") << QStringLiteral("XX") << QString();
-    QTest::newRow("not an object") << QStringLiteral(R"("XX")") << QString() << QString();
-    QTest::newRow("an array") << QStringLiteral(R"([{"kod":"XX"}])") << QString() << QString();
-    QTest::newRow("null") << QStringLiteral("null") << QString() << QString();
+    QTest::newRow("missing opis") << uR"({"kod":"XX"})"_s << u"XX"_s << QString();
+    QTest::newRow("not an object") << uR"("XX")"_s << QString() << QString();
+    QTest::newRow("an array") << uR"([{"kod":"XX"}])"_s << QString() << QString();
+    QTest::newRow("null") << u"null"_s << QString() << QString();
 }
 
 void TestRecords::codePairsAreCutAndToleratePartialObjects()
@@ -109,7 +111,7 @@ void TestRecords::codePairsAreCutAndToleratePartialObjects()
     QFETCH(QString, plec);
     QFETCH(QString, kod);
     QFETCH(QString, opis);
-    const QByteArray json = (QStringLiteral(R"({"plec":)") + plec + QStringLiteral(R"(,"historiaZdarzen":)") + plec +
+    const QByteArray json = (uR"({"plec":)"_s + plec + uR"(,"historiaZdarzen":)"_s + plec +
                              u'}')
                                 .toUtf8();
     const auto animal = Animal(json.constData());
@@ -123,27 +125,27 @@ void TestRecords::wrongTypesRaiseANamedConversionError_data()
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<QString>("message");
     QTest::newRow("integer as text") << QByteArray(R"({"lp":"abc"})")
-                                     << QStringLiteral(R"(Błąd konwersji: pole "lp", wartość "abc")");
+                                     << uR"(Błąd konwersji: pole "lp", wartość "abc")"_s;
     QTest::newRow("fractional integer") << QByteArray(R"({"lp":1.5})")
-                                        << QStringLiteral(R"(Błąd konwersji: pole "lp", wartość "1.5")");
+                                        << uR"(Błąd konwersji: pole "lp", wartość "1.5")"_s;
     QTest::newRow("integer past 32 bits") << QByteArray(R"({"lp":2147483648})")
-                                          << QStringLiteral(R"(Błąd konwersji: pole "lp", wartość "2147483648")");
+                                          << uR"(Błąd konwersji: pole "lp", wartość "2147483648")"_s;
     QTest::newRow("integer below 32 bits") << QByteArray(R"({"lp":-2147483649})")
-                                           << QStringLiteral(R"(Błąd konwersji: pole "lp", wartość "-2147483649")");
+                                           << uR"(Błąd konwersji: pole "lp", wartość "-2147483649")"_s;
     QTest::newRow("flag as text") << QByteArray(R"({"czyMatka":"tak"})")
-                                  << QStringLiteral(R"(Błąd konwersji: pole "czyMatka", wartość "tak")");
+                                  << uR"(Błąd konwersji: pole "czyMatka", wartość "tak")"_s;
     QTest::newRow("number as text") << QByteArray(R"({"masaTuszy":"ciężka"})")
-                                    << QStringLiteral(R"(Błąd konwersji: pole "masaTuszy", wartość "ciężka")");
+                                    << uR"(Błąd konwersji: pole "masaTuszy", wartość "ciężka")"_s;
     QTest::newRow("date as number") << QByteArray(R"({"dataUrodzenia":5})")
-                                    << QStringLiteral(R"(Błąd konwersji: pole "dataUrodzenia", wartość "5")");
+                                    << uR"(Błąd konwersji: pole "dataUrodzenia", wartość "5")"_s;
     QTest::newRow("impossible date") << QByteArray(R"({"dataUrodzenia":"2023-13-45"})")
-                                     << QStringLiteral(R"(Błąd konwersji: pole "dataUrodzenia", wartość "2023-13-45")");
+                                     << uR"(Błąd konwersji: pole "dataUrodzenia", wartość "2023-13-45")"_s;
     QTest::newRow("text as number") << QByteArray(R"({"numerDzialalnosci":7})")
-                                    << QStringLiteral(R"(Błąd konwersji: pole "numerDzialalnosci", wartość "7")");
+                                    << uR"(Błąd konwersji: pole "numerDzialalnosci", wartość "7")"_s;
     QTest::newRow("nested element") << QByteArray(R"({"srodkiIdentyfikacji":[{"numerDuplikatu":"x"}]})")
-                                    << QStringLiteral(R"(Błąd konwersji: pole "numerDuplikatu", wartość "x")");
+                                    << uR"(Błąd konwersji: pole "numerDuplikatu", wartość "x")"_s;
     QTest::newRow("element not an object") << QByteArray(R"({"srodkiIdentyfikacji":[3]})")
-                                           << QStringLiteral(R"(Błąd konwersji: pole "srodkiIdentyfikacji", wartość "[3]")");
+                                           << uR"(Błąd konwersji: pole "srodkiIdentyfikacji", wartość "[3]")"_s;
 }
 
 void TestRecords::integersUseTheWhole32Bits_data()
@@ -183,7 +185,7 @@ void TestRecords::holdingReadsNestedListsInOrder()
         "listaPastwisk":[{"lp":1,"opisPastwiska":"Łąka","listaPunktowPolozenia":[{"lp":1,"pozycjaX":5},{"lp":2}]}]})"),
                        herds);
     const TStadoClass& herd = *herds.at(0);
-    QCOMPARE(herd.stanDzialalnosci.kod, QStringLiteral("SDZA"));
+    QCOMPARE(herd.stanDzialalnosci.kod, u"SDZA"_s);
     QCOMPARE(herd.adresDzialalnosciPozycjaX, 52.25);
     QVERIFY(herd.czyDzierzawaRzezni);
     QCOMPARE(herd.dataZarejestrowania, Day(2004, 5, 1));
@@ -191,7 +193,7 @@ void TestRecords::holdingReadsNestedListsInOrder()
     QCOMPARE(herd.listaBudynkow.size(), 2u);
     QCOMPARE(herd.listaBudynkow[1]->lp, 2);
     QCOMPARE(herd.listaBudynkow[0]->budynekPozycjaX, 10);
-    QCOMPARE(herd.listaPastwisk.at(0)->opisPastwiska, QStringLiteral("Łąka"));
+    QCOMPARE(herd.listaPastwisk.at(0)->opisPastwiska, u"Łąka"_s);
     QCOMPARE(herd.listaPastwisk.at(0)->listaPunktowPolozenia.at(1)->lp, 2);
     QVERIFY(herd.listaDzialekEwidencyjnych.empty());
 
@@ -222,7 +224,7 @@ void TestRecords::duplicateCountIsKeptAsAFlag()
     QFETCH(bool, flag);
     OwningList<TStadoPrzydzieloneIdentyfikatoryClass> list;
     TStadoPrzydzieloneIdentyfikatoryClass::Parse(
-        QJsonObject{{QStringLiteral("liczbaDuplikatow"), count}, {QStringLiteral("liczbaIdentyfikatorowPrzydzielonych"), 40}},
+        QJsonObject{{u"liczbaDuplikatow"_s, count}, {u"liczbaIdentyfikatorowPrzydzielonych"_s, 40}},
         list);
     QCOMPARE(list.at(0)->liczbaDuplikatow, flag);
     QCOMPARE(list.at(0)->liczbaIdentyfikatorowPrzydzielonych, 40);
@@ -232,9 +234,9 @@ void TestRecords::errorEntries()
 {
     OwningList<TBladClass> errors;
     ParseList(Json(R"({"bledy":[{"kodBledu":"ZW-404","komunikat":"Nie znaleziono"},{"komunikat":null}]})"),
-              QStringLiteral("bledy"), errors);
+              u"bledy"_s, errors);
     QCOMPARE(errors.size(), 2u);
-    QCOMPARE(errors[0]->kodBledu, QStringLiteral("ZW-404"));
+    QCOMPARE(errors[0]->kodBledu, u"ZW-404"_s);
     QCOMPARE(errors[1]->komunikat, QString());
 }
 
@@ -243,10 +245,10 @@ void TestRecords::sampleAnimalFromTheRegistry()
     QFile file(QStringLiteral(HALVARN_TEST_DATA "/registry/animal.json"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     const auto animal = TZZIInfoClass::ParseOne(QJsonDocument::fromJson(file.readAll()).object());
-    QCOMPARE(animal->numerIdentyfikacyjnyZwierzecia, QStringLiteral("PL005123456789"));
-    QCOMPARE(animal->plec.kod, QStringLiteral("XX"));
-    QCOMPARE(animal->plec.opis, QStringLiteral("Samica"));
-    QCOMPARE(animal->kierunekUzytkownia.opis, QStringLiteral("Mięsny do opasu"));
+    QCOMPARE(animal->numerIdentyfikacyjnyZwierzecia, u"PL005123456789"_s);
+    QCOMPARE(animal->plec.kod, u"XX"_s);
+    QCOMPARE(animal->plec.opis, u"Samica"_s);
+    QCOMPARE(animal->kierunekUzytkownia.opis, u"Mięsny do opasu"_s);
     QCOMPARE(animal->dataUrodzenia, Day(2021, 3, 15));
     QVERIFY(animal->czyMatka);
     QCOMPARE(animal->masaCialaZwierzecia, 512.5);

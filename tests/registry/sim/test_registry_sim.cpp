@@ -14,6 +14,8 @@
 
 #include <future>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 struct Answer {
     int status = 0;
@@ -28,12 +30,12 @@ public:
 
     Answer get(const QString& path) { return send(false, path, {}); }
     Answer post(const QString& path, const QByteArray& body) { return send(true, path, body); }
-    bool logIn(const QString& login = QStringLiteral("uzytkownik.testowy.1"),
-               const QString& password = QStringLiteral("Zielonka7Kb2!"))
+    bool logIn(const QString& login = u"uzytkownik.testowy.1"_s,
+               const QString& password = u"Zielonka7Kb2!"_s)
     {
-        const Answer a = post(QStringLiteral("/auth/realms/ewniosekplus/protocol/openid-connect/token"),
-                              (QStringLiteral("username=") + login + QStringLiteral("&password=") + password +
-                               QStringLiteral("&client_id=aplikacja-irzplus&grant_type=password"))
+        const Answer a = post(u"/auth/realms/ewniosekplus/protocol/openid-connect/token"_s,
+                              (u"username="_s + login + u"&password="_s + password +
+                               u"&client_id=aplikacja-irzplus&grant_type=password"_s)
                                   .toUtf8());
         token_ = a.json().value(u"access_token").toString();
         return a.status == 200;
@@ -44,7 +46,7 @@ private:
     {
         QNetworkRequest request(QUrl(base_ + path));
         request.setRawHeader("Authorization", "Bearer " + token_.toUtf8());
-        request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+        request.setHeader(QNetworkRequest::ContentTypeHeader, u"application/json"_s);
         std::unique_ptr<QNetworkReply> reply(post ? network_.post(request, body) : network_.get(request));
         QEventLoop loop;
         QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
@@ -57,20 +59,20 @@ private:
     QNetworkAccessManager network_;
 };
 
-const QString Producer = QStringLiteral("071234562");
+const QString Producer = u"071234562"_s;
 QString Holding(int n)
 {
-    return Producer + QStringLiteral("-00%1").arg(n);
+    return Producer + u"-00%1"_s.arg(n);
 }
 QString AnimalList(const QString& holding, const QString& extra = {})
 {
-    return QStringLiteral("/api/indywidualne/zwierze/api/prod/zwierzetaIndywidualne?numerProducenta=071234562&gatunek=BYD"
-                          "&numerDzialalnosci=") + holding + extra;
+    return u"/api/indywidualne/zwierze/api/prod/zwierzetaIndywidualne?numerProducenta=071234562&gatunek=BYD"
+                          u"&numerDzialalnosci="_s + holding + extra;
 }
 QString Single(const QString& tag)
 {
-    return QStringLiteral("/api/indywidualne/zwierze/api/test/zwierzeIndywidualne?numerProducenta=071234562"
-                          "&numerIdentyfikacyjnyZwierzecia=") + tag;
+    return u"/api/indywidualne/zwierze/api/test/zwierzeIndywidualne?numerProducenta=071234562"
+                          u"&numerIdentyfikacyjnyZwierzecia="_s + tag;
 }
 
 // The faults that are set, as "name=values" words in a fixed order.
@@ -99,7 +101,7 @@ QString Describe(const SimFaults& f)
     set("slowAnimals", f.slowAnimals);
     set("slowHerds", f.slowHerds);
     if (f.slowMs)
-        words.append(QStringLiteral("slowMs=%1").arg(f.slowMs));
+        words.append(u"slowMs=%1"_s.arg(f.slowMs));
     flag("refuseLogin", f.refuseLogin);
     return words.join(u' ');
 }
@@ -134,8 +136,8 @@ void TestRegistrySim::logInAcceptsOnlyTheFormAsSent_data()
 {
     QTest::addColumn<QString>("password");
     QTest::addColumn<bool>("accepted");
-    QTest::newRow("right") << QStringLiteral("Zielonka7Kb2!") << true;
-    QTest::newRow("wrong") << QStringLiteral("zielonka") << false;
+    QTest::newRow("right") << u"Zielonka7Kb2!"_s << true;
+    QTest::newRow("wrong") << u"zielonka"_s << false;
 }
 
 void TestRegistrySim::logInAcceptsOnlyTheFormAsSent()
@@ -145,13 +147,13 @@ void TestRegistrySim::logInAcceptsOnlyTheFormAsSent()
     RegistrySimulator sim(Demo());
     QVERIFY(sim.start());
     Client client(sim);
-    QCOMPARE(client.logIn(QStringLiteral("uzytkownik.testowy.1"), password), accepted);
+    QCOMPARE(client.logIn(u"uzytkownik.testowy.1"_s, password), accepted);
     // A password with "&" breaks the unencoded form, so it can never match.
     SimDataset data = Demo();
-    data.producers[0].password = QStringLiteral("a&b");
+    data.producers[0].password = u"a&b"_s;
     RegistrySimulator ampersand(data);
     QVERIFY(ampersand.start());
-    QVERIFY(!Client(ampersand).logIn(QStringLiteral("uzytkownik.testowy.1"), QStringLiteral("a&b")));
+    QVERIFY(!Client(ampersand).logIn(u"uzytkownik.testowy.1"_s, u"a&b"_s));
 }
 
 void TestRegistrySim::requestsNeedTheToken()
@@ -171,28 +173,28 @@ void TestRegistrySim::holdingsAndAnimalsHaveTheRegistryShapes()
     Client client(sim);
     QVERIFY(client.logIn());
     const QJsonArray holdings =
-        client.post(QStringLiteral("/api/dzialalnosci/api/prod/dzialalnosci"), R"({"numerProducenta":"071234562"})")
+        client.post(u"/api/dzialalnosci/api/prod/dzialalnosci"_s, R"({"numerProducenta":"071234562"})")
             .json()
             .value(u"dzialalnosc")
             .toArray();
     QStringList states;
     for (const QJsonValue h : holdings)
         states.append(h[u"numerDzialalnosci"].toString() + u' ' + h[u"stanDzialalnosci"][u"kod"].toString());
-    QCOMPARE(states, (QStringList{Holding(1) + QStringLiteral(" SDZA"), Holding(2) + QStringLiteral(" SDZA"),
-                                  Holding(3) + QStringLiteral(" SDZA"), Holding(4) + QStringLiteral(" SDZZ"),
-                                  Holding(5) + QStringLiteral(" SDZA")}));
+    QCOMPARE(states, (QStringList{Holding(1) + u" SDZA"_s, Holding(2) + u" SDZA"_s,
+                                  Holding(3) + u" SDZA"_s, Holding(4) + u" SDZZ"_s,
+                                  Holding(5) + u" SDZA"_s}));
     QVERIFY(client.get(AnimalList(Holding(5))).json().value(u"listaZwierzeta").toArray().isEmpty());
     const QJsonArray herd = client.get(AnimalList(Holding(2))).json().value(u"listaZwierzeta").toArray();
     QCOMPARE(herd.size(), 85);
     const QJsonArray older =
-        client.get(AnimalList(Holding(2), QStringLiteral("&stanDanych=2024-01-01"))).json().value(u"listaZwierzeta").toArray();
+        client.get(AnimalList(Holding(2), u"&stanDanych=2024-01-01"_s)).json().value(u"listaZwierzeta").toArray();
     QVERIFY(older.size() < herd.size());
     const QString tag = herd.at(0)[u"numerIdentyfikacyjnyZwierzecia"].toString();
     const QJsonObject animal = client.get(Single(tag)).json();
     QCOMPARE(animal.value(u"numerIdentyfikacyjnyZwierzecia").toString(), tag);
     QVERIFY(!animal.value(u"srodkiIdentyfikacji").toArray().isEmpty());
-    QVERIFY(client.get(Single(QStringLiteral("PL000000000000"))).json().contains(u"komunikat"));
-    QVERIFY(client.post(QStringLiteral("/api/dzialalnosci/api/prod/dzialalnosci"), R"({"numerProducenta":"1"})")
+    QVERIFY(client.get(Single(u"PL000000000000"_s)).json().contains(u"komunikat"));
+    QVERIFY(client.post(u"/api/dzialalnosci/api/prod/dzialalnosci"_s, R"({"numerProducenta":"1"})")
                 .json()
                 .contains(u"komunikat"));
     QCOMPARE(sim.stats().animalListHerds.count(Holding(4)), 0);
@@ -202,7 +204,7 @@ void TestRegistrySim::demoDataIsRealisticAndRepeatable()
 {
     const SimDataset data = Demo();
     QCOMPARE(QJsonDocument(data.toJson()).toJson(), QJsonDocument(Demo().toJson()).toJson());
-    const QRegularExpression tagForm(QStringLiteral("^PL\\d{12}$"));
+    const QRegularExpression tagForm(u"^PL\\d{12}$"_s);
     int withoutBirth = 0;
     QSet<QString> tags;
     for (const SimHolding& holding : data.producers[0].holdings) {
@@ -227,10 +229,10 @@ void TestRegistrySim::faultsSpoilTheChosenAnswers_data()
     QTest::addColumn<int>("fault");
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("bodyStart");
-    QTest::newRow("HTTP error for a herd") << 0 << 500 << QStringLiteral("{\"bledy\"");
-    QTest::newRow("komunikat for a herd") << 1 << 200 << QStringLiteral("{\"komunikat\"");
-    QTest::newRow("not JSON for a herd") << 2 << 200 << QStringLiteral("<html>");
-    QTest::newRow("slow herd") << 3 << 200 << QStringLiteral("{\"listaZwierzeta\"");
+    QTest::newRow("HTTP error for a herd") << 0 << 500 << u"{\"bledy\""_s;
+    QTest::newRow("komunikat for a herd") << 1 << 200 << u"{\"komunikat\""_s;
+    QTest::newRow("not JSON for a herd") << 2 << 200 << u"<html>"_s;
+    QTest::newRow("slow herd") << 3 << 200 << u"{\"listaZwierzeta\""_s;
 }
 
 void TestRegistrySim::faultsSpoilTheChosenAnswers()
@@ -297,48 +299,48 @@ void TestRegistrySim::useChangeCreatesADocument()
     const QString tag =
         client.get(AnimalList(Holding(3))).json().value(u"listaZwierzeta").toArray().at(0)[u"numerIdentyfikacyjnyZwierzecia"].toString();
     const QJsonObject answer =
-        client.post(QStringLiteral("/api/indywidualne/dokument/api/prod/ztuku"),
+        client.post(u"/api/indywidualne/dokument/api/prod/ztuku"_s,
                     (QStringLiteral(R"({"numerProducenta":"071234562","zgloszenie":{"numerDzialalnosci":"071234562-003",)"
                                     R"("gatunek":{"kod":"BYD"},"dataOkresleniaTypuIKierunkuUzytkowania":"2026-11-23",)"
                                     R"("pozycje":[{"lp":"1","numerIdentyfikacyjnyZwierzecia":")") +
-                     tag + QStringLiteral(R"(","kierunekUzytkowy":{"kod":"ML"},"celZmiany":{"kod":"ZKU"}}]}})"))
+                     tag + uR"(","kierunekUzytkowy":{"kod":"ML"},"celZmiany":{"kod":"ZKU"}}]}})"_s)
                         .toUtf8())
             .json();
     const QString document = answer.value(u"numerDokumentu").toString();
     QVERIFY(!document.isEmpty());
     const QJsonArray documents =
-        client.get(QStringLiteral("/api/dokumenty/dokument/api/prod/listaDokumentow?numerProducenta=071234562&numerDokumentu=") +
+        client.get(u"/api/dokumenty/dokument/api/prod/listaDokumentow?numerProducenta=071234562&numerDokumentu="_s +
                    document)
             .json()
             .value(u"dokumenty")
             .toArray();
     QCOMPARE(documents.size(), 1);
-    QCOMPARE(client.get(Single(tag)).json().value(u"kierunekUzytkownia")[u"kod"].toString(), QStringLiteral("ML"));
+    QCOMPARE(client.get(Single(tag)).json().value(u"kierunekUzytkownia")[u"kod"].toString(), u"ML"_s);
 }
 
 void TestRegistrySim::faultOptionsOfTheProgram_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("faults");
-    const QString a = QStringLiteral("PL005000000007"), h = QStringLiteral("071234562-002");
+    const QString a = u"PL005000000007"_s, h = u"071234562-002"_s;
     QTest::newRow("none") << QStringList{} << QString();
-    QTest::newRow("HTTP errors") << QStringList{QStringLiteral("--fail-animal"), a, QStringLiteral("--fail-animal=PL1"),
-                                                QStringLiteral("--fail-herd"), h, QStringLiteral("--fail-holdings")}
-                                 << QStringLiteral("httpErrorAnimals=PL005000000007,PL1 httpErrorHerds=071234562-002 "
-                                                   "httpErrorHoldings");
-    QTest::newRow("komunikat answers") << QStringList{QStringLiteral("--komunikat-animal"), a,
-                                                      QStringLiteral("--komunikat-herd"), h,
-                                                      QStringLiteral("--komunikat-holdings")}
-                                       << QStringLiteral("komunikatAnimals=PL005000000007 komunikatHerds=071234562-002 "
-                                                         "komunikatHoldings");
+    QTest::newRow("HTTP errors") << QStringList{u"--fail-animal"_s, a, u"--fail-animal=PL1"_s,
+                                                u"--fail-herd"_s, h, u"--fail-holdings"_s}
+                                 << u"httpErrorAnimals=PL005000000007,PL1 httpErrorHerds=071234562-002 "
+                                                   u"httpErrorHoldings"_s;
+    QTest::newRow("komunikat answers") << QStringList{u"--komunikat-animal"_s, a,
+                                                      u"--komunikat-herd"_s, h,
+                                                      u"--komunikat-holdings"_s}
+                                       << u"komunikatAnimals=PL005000000007 komunikatHerds=071234562-002 "
+                                                         u"komunikatHoldings"_s;
     QTest::newRow("answers that are not JSON")
-        << QStringList{QStringLiteral("--not-json-animal"), a, QStringLiteral("--not-json-herd"), h,
-                       QStringLiteral("--not-json-holdings")}
-        << QStringLiteral("notJsonAnimals=PL005000000007 notJsonHerds=071234562-002 notJsonHoldings");
+        << QStringList{u"--not-json-animal"_s, a, u"--not-json-herd"_s, h,
+                       u"--not-json-holdings"_s}
+        << u"notJsonAnimals=PL005000000007 notJsonHerds=071234562-002 notJsonHoldings"_s;
     QTest::newRow("slow answers and refused log-in")
-        << QStringList{QStringLiteral("--slow-animal"), a, QStringLiteral("--slow-herd"), h,
-                       QStringLiteral("--slow-ms"), QStringLiteral("2500"), QStringLiteral("--refuse-login")}
-        << QStringLiteral("slowAnimals=PL005000000007 slowHerds=071234562-002 slowMs=2500 refuseLogin");
+        << QStringList{u"--slow-animal"_s, a, u"--slow-herd"_s, h,
+                       u"--slow-ms"_s, u"2500"_s, u"--refuse-login"_s}
+        << u"slowAnimals=PL005000000007 slowHerds=071234562-002 slowMs=2500 refuseLogin"_s;
 }
 
 void TestRegistrySim::faultOptionsOfTheProgram()
@@ -347,7 +349,7 @@ void TestRegistrySim::faultOptionsOfTheProgram()
     QFETCH(QString, faults);
     QCommandLineParser parser;
     AddFaultOptions(parser);
-    const QStringList commandLine = QStringList{QStringLiteral("halvarn-registry-sim")} + arguments;
+    const QStringList commandLine = QStringList{u"halvarn-registry-sim"_s} + arguments;
     QVERIFY2(parser.parse(commandLine), qPrintable(parser.errorText()));
     QCOMPARE(Describe(FaultsFrom(parser)), faults);
 }
