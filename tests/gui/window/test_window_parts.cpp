@@ -44,17 +44,13 @@ void TestWindowParts::typedDateOverSelectionIsTaken_data()
     QTest::addColumn<QDate>("after");
     QTest::newRow("over today") << QDate::currentDate() << u"05.03.2024"_s << QDate(2024, 3, 5);
     QTest::newRow("over an empty field") << QDate() << u"05.03.2024"_s << QDate(2024, 3, 5);
-    QTest::newRow("over the last of a long month") << QDate(2024, 1, 31) << u"05.03.2024"_s
-                                                   << QDate(2024, 3, 5);
-    QTest::newRow("day past the old month's end") << QDate(2024, 2, 10) << u"31.01.2023"_s
-                                                  << QDate(2023, 1, 31);
-    QTest::newRow("leap day over another year") << QDate(2023, 6, 15) << u"29.02.2024"_s
-                                                << QDate(2024, 2, 29);
+    QTest::newRow("over the last of a long month") << QDate(2024, 1, 31) << u"05.03.2024"_s << QDate(2024, 3, 5);
+    QTest::newRow("day past the old month's end") << QDate(2024, 2, 10) << u"31.01.2023"_s << QDate(2023, 1, 31);
+    QTest::newRow("leap day over another year") << QDate(2023, 6, 15) << u"29.02.2024"_s << QDate(2024, 2, 29);
     QTest::newRow("new year's eve") << QDate(2024, 3, 5) << u"31.12.1999"_s << QDate(1999, 12, 31);
     QTest::newRow("digits only") << QDate(2023, 6, 15) << u"05032024"_s << QDate(2024, 3, 5);
     QTest::newRow("one-digit day and month") << QDate(2023, 6, 15) << u"5.3.2024"_s << QDate(2024, 3, 5);
-    QTest::newRow("one-digit day that may go on") << QDate(2023, 6, 15) << u"1.3.2024"_s
-                                                  << QDate(2024, 3, 1);
+    QTest::newRow("one-digit day that may go on") << QDate(2023, 6, 15) << u"1.3.2024"_s << QDate(2024, 3, 1);
 }
 
 void TestWindowParts::typedDateOverSelectionIsTaken()

@@ -1,4 +1,4 @@
-#include "registry/client/RecordingServer.h"
+#include "support/RecordingServer.h"
 #include "support/Files.h"
 #include "support/RecordingHost.h"
 
@@ -35,12 +35,9 @@ QJsonObject AnimalJson(const QString& tag, const char* sex, int ageDays, bool mo
         {u"numerDzialalnosci"_s, holding},
         {u"czyMatka"_s, mother},
         {u"plec"_s, QJsonObject{{u"kod"_s, QLatin1String(sex)},
-                                             {u"opis"_s, QLatin1String(sex) == u"XX" ? u"Samica"_s
-                                                                                                    : u"Samiec"_s}}},
-        {u"typUzytkowy"_s, QJsonObject{{u"kod"_s, u"ML"_s},
-                                                    {u"opis"_s, u"Mleczny"_s}}},
-        {u"kierunekUzytkownia"_s, QJsonObject{{u"kod"_s, u"ML"_s},
-                                                           {u"opis"_s, u"Mleczny"_s}}},
+                                {u"opis"_s, QLatin1String(sex) == u"XX" ? u"Samica"_s : u"Samiec"_s}}},
+        {u"typUzytkowy"_s, QJsonObject{{u"kod"_s, u"ML"_s}, {u"opis"_s, u"Mleczny"_s}}},
+        {u"kierunekUzytkownia"_s, QJsonObject{{u"kod"_s, u"ML"_s}, {u"opis"_s, u"Mleczny"_s}}},
         {u"srodkiIdentyfikacji"_s, QJsonArray{QJsonObject{}, QJsonObject{}}},
     };
 }
@@ -72,11 +69,12 @@ struct FakeRegistry {
         addAnimal(2, u"PL102"_s, "XX", 800, false, false);
         addAnimal(3, u"PL201"_s, "XX", 800, false, false);
     }
-    void addHerd(int number, const QString& state)
+    void addHerd(int number, const QString& state) { addHolding(Holding(number), state); }
+    void addHolding(const QString& holding, const QString& state)
     {
-        holdings.append(QJsonObject{{u"numerDzialalnosci"_s, Holding(number)},
+        holdings.append(QJsonObject{{u"numerDzialalnosci"_s, holding},
                                     {u"stanDzialalnosci"_s, QJsonObject{{u"kod"_s, state}}}});
-        animals[Holding(number)] = QJsonArray{};
+        animals[holding] = QJsonArray{};
     }
     void addAnimal(int herd, const QString& tag, const char* sex, int ageDays, bool listMother, bool fullMother)
     {
@@ -114,7 +112,7 @@ struct Download {
     DownloadOutcome outcome = DownloadOutcome::NotStarted;
     std::vector<RecordingServer::Request> requests;
 
-    void run(const FakeRegistry& registry, int timeoutMs = 150'000)
+    void run(const FakeRegistry& registry, int timeoutMs = 150'000, bool datesGiven = false)
     {
         RecordingServer server([&registry](const RecordingServer::Request& r) { return registry.answer(r); });
         RegistryConfig config = RegistryConfig::read(IniFile(session.dataFolder().settingsFile()));
@@ -122,9 +120,9 @@ struct Download {
         config.getTimeoutMs = config.postTimeoutMs = timeoutMs;
         session.inputs.login = u"jan"_s;
         session.inputs.password = u"haslo"_s;
-        session.inputs.stateDate = session.inputs.referenceDate = Reference;
-        if (session.inputs.producerNumber.isNull())
-            session.inputs.producerNumber = Producer;
+        if (!datesGiven)
+            session.inputs.stateDate = session.inputs.referenceDate = Reference;
+        session.inputs.producerNumber = Producer;
         TdmIRZ_PLUS client(config, host);
         outcome = DownloadCommand(session, client).run();
         requests = server.requests();
@@ -161,19 +159,14 @@ private Q_SLOTS:
     void motherFlagOfOlderFemalesComesFromTheFullRecord();
     void failuresEndTheirHerdOrTheCommand_data();
     void failuresEndTheirHerdOrTheCommand();
-    void noProducerNumberDownloadsNothing();
-    void loadedDataIsKeptWhenTheUserSaysNo();
     void datesInTheFutureBecomeToday_data();
     void datesInTheFutureBecomeToday();
-    void herdCodesOutsideTheTabsEndTheCommand_data();
-    void herdCodesOutsideTheTabsEndTheCommand();
+    void holdingsWithoutATabOfTheirOwn_data();
+    void holdingsWithoutATabOfTheirOwn();
     void cancellingStopsBetweenAnimalsWithConsistentTables();
-    void aSecondHoldingWithTheSameHerdCodeIsRefused();
     void animalsBornAfterTheReferenceDateAreReported();
     void badSettingsAreReportedAndReplacedByDefaults();
     void statusTextsAndProgressFollowTheSteps();
-    void findAgeInList_data();
-    void findAgeInList();
     void gatherCredentials_data();
     void gatherCredentials();
 };
@@ -186,8 +179,7 @@ void TestDownload::fullDownloadFillsTablesSlotsAndMemos()
     d.run(registry);
     QCOMPARE(d.outcome, DownloadOutcome::Completed);
     QVERIFY(d.host.messages.empty());
-    QCOMPARE(d.numbers(0), (QStringList{u"PL001"_s, u"PL002"_s, u"PL003"_s,
-                                        u"PL004"_s, u"PL101"_s, u"PL102"_s}));
+    QCOMPARE(d.numbers(0), (QStringList{u"PL001"_s, u"PL002"_s, u"PL003"_s, u"PL004"_s, u"PL101"_s, u"PL102"_s}));
     QCOMPARE(d.numbers(1).size(), 4);
     QCOMPARE(d.numbers(2).size(), 2);
     QCOMPARE(d.session.herdCount, 2);
@@ -253,8 +245,7 @@ void TestDownload::failuresEndTheirHerdOrTheCommand_data()
     QTest::addColumn<QString>("message");
     QTest::addColumn<QStringList>("animals");
     QTest::addColumn<QString>("incomplete"); // the start of the herd's line, when one ends early
-    const QStringList all{u"PL001"_s, u"PL002"_s, u"PL003"_s,
-                          u"PL004"_s, u"PL101"_s, u"PL102"_s};
+    const QStringList all{u"PL001"_s, u"PL002"_s, u"PL003"_s, u"PL004"_s, u"PL101"_s, u"PL102"_s};
     const QStringList secondHerdOnly{u"PL101"_s, u"PL102"_s};
     const int completed = static_cast<int>(DownloadOutcome::Completed);
     const int incomplete = static_cast<int>(DownloadOutcome::Incomplete);
@@ -266,53 +257,41 @@ void TestDownload::failuresEndTheirHerdOrTheCommand_data()
     const QString herd2 = u"Stado 002 (działalność 071234562-002) niepełne: "_s;
     const QString noList = u"nie odczytano listy zwierząt. Przyczyna: "_s;
     const Reply cutReply = RecordingServer::Broken(RecordingServer::Break::CutAfterHeaders);
-    QTest::newRow("refused log-in") << u"token"_s << Reply{401, R"({"error":"invalid_grant"})", 0}
-                                    << stopped << u"Brak autoryzacji (Być może niepoprawny login/hasło)"_s
-                                    << QStringList() << QString();
-    QTest::newRow("log-in: cut after the headers")
-        << u"token"_s << cutReply << stopped
-        << u"Autoryzacja zakończona z błędem: Połączenie zostało przerwane"_s << QStringList() << QString();
-    QTest::newRow("holdings: HTTP error") << u"holdings"_s << ServerError << stopped << serverError
-                                          << QStringList() << QString();
-    QTest::newRow("holdings: cut after the headers") << u"holdings"_s << cutReply << stopped
-                                                     << u"Połączenie zostało przerwane"_s << QStringList()
-                                                     << QString();
-    QTest::newRow("holdings: komunikat") << u"holdings"_s << Komunikat("Brak producenta") << stopped
-                                         << u"Serwer zwrócił komunikat: Brak producenta"_s << QStringList()
-                                         << QString();
-    QTest::newRow("holdings: not JSON") << u"holdings"_s << NotJson << stopped << notJson << QStringList()
-                                        << QString();
-    QTest::newRow("herd list: HTTP error") << Holding(1) << ServerError << incomplete << serverError << secondHerdOnly
-                                           << herd1 + noList + serverError;
-    QTest::newRow("herd list: cut after the headers")
-        << Holding(1) << cutReply << incomplete << cut << secondHerdOnly << herd1 + noList + cut;
-    QTest::newRow("herd list: komunikat") << Holding(1) << Komunikat("Brak uprawnień") << incomplete
-                                          << u"Serwer zwrócił komunikat: Brak uprawnień"_s << secondHerdOnly
-                                          << herd1 + noList + u"Serwer zwrócił komunikat"_s;
-    QTest::newRow("herd list: empty answer") << Holding(1) << Reply{200, "", 0} << incomplete << QString()
-                                             << secondHerdOnly << herd1 + noList + u"pusta odpowiedź"_s;
-    QTest::newRow("herd list: not JSON") << Holding(2) << NotJson << stopped << notJson << all.mid(0, 4)
-                                         << herd2 + noList + notJson;
-    const QString twoOfFour = u"odczytano 2 z 4 zwierząt. Przyczyna: "_s;
-    QTest::newRow("animal: HTTP error") << u"PL003"_s << ServerError << incomplete << serverError
-                                        << (all.mid(0, 2) + secondHerdOnly) << herd1 + twoOfFour + serverError;
-    QTest::newRow("animal: cut after the headers") << u"PL003"_s << cutReply << incomplete << cut
-                                                   << (all.mid(0, 2) + secondHerdOnly) << herd1 + twoOfFour + cut;
-    QTest::newRow("animal: silent after the headers")
-        << u"PL003"_s << RecordingServer::Broken(RecordingServer::Break::StallAfterHeaders) << incomplete
-        << u"Serwer zgłosił błąd: Przekroczono czas oczekiwania"_s << (all.mid(0, 2) + secondHerdOnly)
-        << herd1 + twoOfFour + u"Serwer zgłosił błąd: Przekroczono czas oczekiwania"_s;
-    QTest::newRow("older female: komunikat") << u"PL003"_s << Komunikat("Zablokowane") << incomplete
-                                             << u"Serwer zwrócił komunikat: Zablokowane"_s
-                                             << (all.mid(0, 2) + secondHerdOnly)
-                                             << herd1 + twoOfFour + u"Serwer zwrócił komunikat"_s;
-    QTest::newRow("young animal: its full record is not read") << u"PL004"_s << Komunikat("Zablokowane")
-                                                               << completed << QString() << all << QString();
-    QTest::newRow("older female: not JSON") << u"PL001"_s << NotJson << stopped << notJson << QStringList()
-                                            << herd1 + u"odczytano 0 z 4 zwierząt. Przyczyna: "_s + notJson;
-    QTest::newRow("animal: time-out") << u"PL101"_s << Reply{200, "{}", 3000} << stopped
-                                      << u"Przekroczono czas oczekiwania"_s << all.mid(0, 4)
-                                      << herd2 + u"odczytano 0 z 2 zwierząt. Przyczyna: Przekroczono"_s;
+    const auto row = [](const char* name, const QString& spoiled, const Reply& reply, int end, const QString& said,
+                        const QStringList& kept, const QString& herdLine) {
+        QTest::newRow(name) << spoiled << reply << end << said << kept << herdLine;
+    };
+    const QString token = u"token"_s, holdings = u"holdings"_s, timeOut = u"Przekroczono czas oczekiwania"_s;
+    const QStringList firstTwo = all.mid(0, 2) + secondHerdOnly;
+    row("refused log-in", token, Reply{401, R"({"error":"invalid_grant"})", 0}, stopped,
+        u"Brak autoryzacji (Być może niepoprawny login/hasło)"_s, {}, {});
+    row("log-in: cut after the headers", token, cutReply, stopped,
+        u"Autoryzacja zakończona z błędem: Połączenie zostało przerwane"_s, {}, {});
+    row("holdings: HTTP error", holdings, ServerError, stopped, serverError, {}, {});
+    row("holdings: cut after the headers", holdings, cutReply, stopped, u"Połączenie zostało przerwane"_s, {}, {});
+    row("holdings: komunikat", holdings, Komunikat("Brak producenta"), stopped,
+        u"Serwer zwrócił komunikat: Brak producenta"_s, {}, {});
+    row("holdings: not JSON", holdings, NotJson, stopped, notJson, {}, {});
+    row("herd list: HTTP error", Holding(1), ServerError, incomplete, serverError, secondHerdOnly,
+        herd1 + noList + serverError);
+    row("herd list: cut after the headers", Holding(1), cutReply, incomplete, cut, secondHerdOnly, herd1 + noList + cut);
+    row("herd list: komunikat", Holding(1), Komunikat("Brak uprawnień"), incomplete,
+        u"Serwer zwrócił komunikat: Brak uprawnień"_s, secondHerdOnly, herd1 + noList + u"Serwer zwrócił komunikat"_s);
+    row("herd list: empty answer", Holding(1), Reply{200, "", 0}, incomplete, {}, secondHerdOnly,
+        herd1 + noList + u"pusta odpowiedź"_s);
+    row("herd list: not JSON", Holding(2), NotJson, stopped, notJson, all.mid(0, 4), herd2 + noList + notJson);
+    const QString twoOfFour = herd1 + u"odczytano 2 z 4 zwierząt. Przyczyna: "_s;
+    row("animal: HTTP error", u"PL003"_s, ServerError, incomplete, serverError, firstTwo, twoOfFour + serverError);
+    row("animal: cut after the headers", u"PL003"_s, cutReply, incomplete, cut, firstTwo, twoOfFour + cut);
+    row("animal: silent after the headers", u"PL003"_s, RecordingServer::Broken(RecordingServer::Break::StallAfterHeaders),
+        incomplete, u"Serwer zgłosił błąd: "_s + timeOut, firstTwo, twoOfFour + u"Serwer zgłosił błąd: "_s + timeOut);
+    row("older female: komunikat", u"PL003"_s, Komunikat("Zablokowane"), incomplete,
+        u"Serwer zwrócił komunikat: Zablokowane"_s, firstTwo, twoOfFour + u"Serwer zwrócił komunikat"_s);
+    row("young animal: its full record is not read", u"PL004"_s, Komunikat("Zablokowane"), completed, {}, all, {});
+    row("older female: not JSON", u"PL001"_s, NotJson, stopped, notJson, {},
+        herd1 + u"odczytano 0 z 4 zwierząt. Przyczyna: "_s + notJson);
+    row("animal: time-out", u"PL101"_s, Reply{200, "{}", 3000}, stopped, timeOut, all.mid(0, 4),
+        herd2 + u"odczytano 0 z 2 zwierząt. Przyczyna: Przekroczono"_s);
 }
 
 void TestDownload::failuresEndTheirHerdOrTheCommand()
@@ -354,31 +333,6 @@ void TestDownload::failuresEndTheirHerdOrTheCommand()
     }
 }
 
-void TestDownload::noProducerNumberDownloadsNothing()
-{
-    FakeRegistry registry;
-    Download d;
-    d.session.inputs.producerNumber = u""_s;
-    d.run(registry);
-    QCOMPARE(d.outcome, DownloadOutcome::NotStarted);
-    QCOMPARE(d.host.messageTexts(), QStringList{u"Nie podanu mumeru producenta"_s});
-    QCOMPARE(d.host.messages[0].caption, u"Błąd..."_s);
-    QVERIFY(d.requests.empty());
-}
-
-void TestDownload::loadedDataIsKeptWhenTheUserSaysNo()
-{
-    FakeRegistry registry;
-    Download d;
-    d.run(registry);
-    d.host.answerYes = false;
-    registry.overrides[u"holdings"_s] = ServerError;
-    d.run(registry);
-    QCOMPARE(d.outcome, DownloadOutcome::NotStarted);
-    QCOMPARE(d.host.questions, QStringList{u"Są wczytane dane. Będą one usunięte. Czy kontynuować?"_s});
-    QCOMPARE(d.numbers(0).size(), 6);
-}
-
 void TestDownload::datesInTheFutureBecomeToday_data()
 {
     const QDate today = QDate::currentDate();
@@ -403,17 +357,13 @@ void TestDownload::datesInTheFutureBecomeToday()
         Download d;
         d.session.inputs.stateDate = stateDate ? given : Reference;
         d.session.inputs.referenceDate = stateDate ? Reference : given;
-        RecordingServer server([&registry](const RecordingServer::Request& r) { return registry.answer(r); });
-        RegistryConfig config;
-        config.ssoBase = config.apiBase = server.baseUrl();
-        d.session.inputs.producerNumber = Producer;
-        TdmIRZ_PLUS client(config, d.host);
-        QCOMPARE(DownloadCommand(d.session, client).run(), DownloadOutcome::Completed);
+        d.run(registry, 150'000, true);
+        QCOMPARE(d.outcome, DownloadOutcome::Completed);
         const QDate state = stateDate ? used : Reference;
         const QDate reference = stateDate ? Reference : used;
         QCOMPARE(d.session.inputs.stateDate, state);
         QCOMPARE(d.session.inputs.referenceDate, reference);
-        QVERIFY(server.requests().at(2).target.endsWith("&stanDanych=" + state.toString(u"yyyy-MM-dd").toLatin1()));
+        QVERIFY(d.requests.at(2).target.endsWith("&stanDanych=" + state.toString(u"yyyy-MM-dd").toLatin1()));
         Table& producer = d.session.tables().mdProducent();
         QCOMPARE(AsDate(producer.value(u"DATA1")), state);
         QCOMPARE(AsDate(producer.value(u"DATA2")), QDate::currentDate());
@@ -423,31 +373,42 @@ void TestDownload::datesInTheFutureBecomeToday()
     }
 }
 
-void TestDownload::herdCodesOutsideTheTabsEndTheCommand_data()
+// A holding whose herd code has no tab ends the command; a second holding with a code already
+// taken is left out, and the download goes on without it.
+void TestDownload::holdingsWithoutATabOfTheirOwn_data()
 {
     QTest::addColumn<QString>("holding");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("not a number") << Producer + u"-A01"_s
+    QTest::addColumn<int>("outcome");
+    QTest::addColumn<QString>("message"); // in a message box when it ends the command, else in the memo
+    const int stopped = static_cast<int>(DownloadOutcome::Stopped);
+    QTest::newRow("not a number") << Producer + u"-A01"_s << stopped
                                   << u"Numer stada \"A01\" działalności 071234562-A01 nie jest liczbą"_s;
-    QTest::newRow("slot 21") << Producer + u"-021"_s
+    QTest::newRow("slot 21") << Producer + u"-021"_s << stopped
                              << u"Stado 021 (071234562-021) nie mieści się w 20 zakładkach stad"_s;
-    QTest::newRow("slot 0") << Producer + u"-000"_s
+    QTest::newRow("slot 0") << Producer + u"-000"_s << stopped
                             << u"Stado 000 (071234562-000) nie mieści się w 20 zakładkach stad"_s;
+    QTest::newRow("herd code taken") << u"999999999-001"_s << static_cast<int>(DownloadOutcome::Incomplete)
+                                     << u"Stado 001 (działalność 999999999-001) pominięte: ten sam numer stada ma "
+                                        u"działalność 071234562-001"_s;
 }
 
-void TestDownload::herdCodesOutsideTheTabsEndTheCommand()
+void TestDownload::holdingsWithoutATabOfTheirOwn()
 {
     QFETCH(QString, holding);
+    QFETCH(int, outcome);
     QFETCH(QString, message);
     FakeRegistry registry;
-    registry.holdings.append(QJsonObject{{u"numerDzialalnosci"_s, holding},
-                                         {u"stanDzialalnosci"_s, QJsonObject{{u"kod"_s, u"SDZA"_s}}}});
-    registry.animals[holding] = QJsonArray{AnimalJson(u"PL900"_s, "XX", 100, false, holding)};
+    registry.addHolding(holding, u"SDZA"_s);
+    registry.animals[holding].append(AnimalJson(u"PL900"_s, "XX", 100, false, holding));
     Download d;
     d.run(registry);
-    QCOMPARE(d.outcome, DownloadOutcome::Stopped);
-    QCOMPARE(d.host.messageTexts(), QStringList{message});
-    QCOMPARE(d.numbers(0).size(), 6); // what was filled before is kept
+    QCOMPARE(static_cast<int>(d.outcome), outcome);
+    const bool stopped = d.outcome == DownloadOutcome::Stopped;
+    QCOMPARE(d.host.messageTexts(), stopped ? QStringList{message} : QStringList());
+    QCOMPARE(d.session.errors().contains(message), !stopped);
+    QCOMPARE(d.numbers(0).size(), 6); // what was filled before is kept; the holding's animal is not read
+    QCOMPARE(d.numbers(1).size(), 4);
+    QCOMPARE(d.requestsFor((u"numerDzialalnosci="_s + holding).toLatin1().constData()), 0);
 }
 
 void TestDownload::cancellingStopsBetweenAnimalsWithConsistentTables()
@@ -463,23 +424,6 @@ void TestDownload::cancellingStopsBetweenAnimalsWithConsistentTables()
                                                        u"zwierząt. Przyczyna: Przerwano na żądanie użytkownika"_s);
     QVERIFY(d.host.messages.empty());
     QVERIFY(!d.session.busy());
-}
-
-void TestDownload::aSecondHoldingWithTheSameHerdCodeIsRefused()
-{
-    FakeRegistry registry;
-    const QString twin = u"999999999-001"_s;
-    registry.holdings.append(QJsonObject{{u"numerDzialalnosci"_s, twin},
-                                         {u"stanDzialalnosci"_s, QJsonObject{{u"kod"_s, u"SDZA"_s}}}});
-    registry.animals[twin] = QJsonArray{AnimalJson(u"PL900"_s, "XX", 100, false, twin)};
-    Download d;
-    d.run(registry);
-    QCOMPARE(d.outcome, DownloadOutcome::Incomplete);
-    QCOMPARE(d.numbers(1).size(), 4);
-    QVERIFY(!d.numbers(0).contains(u"PL900"_s));
-    QVERIFY(d.session.errors().contains(
-        u"Stado 001 (działalność 999999999-001) pominięte: ten sam numer stada ma działalność 071234562-001"_s));
-    QCOMPARE(d.requestsFor("numerDzialalnosci=999999999-001"), 0);
 }
 
 // The age formula still applies; the user is told how many animals it concerns.
@@ -542,44 +486,12 @@ void TestDownload::statusTextsAndProgressFollowTheSteps()
     const qsizetype cleared = d.host.progressLog.indexOf(u"1:64/65"_s);
     QCOMPARE(cleared, 3 + 63); // busy (2 bars), maximum 65, then 64 steps
     QCOMPARE(d.host.progressLog.mid(cleared + 1),
-             (QStringList{u"1:0/2"_s, u"2:0/100"_s, // busy again
-                          u"1:1/2"_s, u"1:2/2"_s,   // log-in, holdings
-                          u"1:2/3"_s,                            // one active herd + 2
-                          u"1:3/3"_s,                            // the herd
-                          u"2:0/2"_s, u"2:1/2"_s, u"2:2/2"_s,
-                          u"2:0/2"_s}));
+             (QStringList{u"1:0/2"_s, u"2:0/100"_s,             // busy again
+                          u"1:1/2"_s, u"1:2/2"_s,               // log-in, holdings
+                          u"1:2/3"_s, u"1:3/3"_s,               // one active herd + 2, the herd
+                          u"2:0/2"_s, u"2:1/2"_s, u"2:2/2"_s, u"2:0/2"_s})); // the herd's animals
     QCOMPARE(d.session.errors(), QStringList{u"Nie aktywne stado: 071234562-003"_s});
     QVERIFY(d.host.messages.empty());
-}
-
-void TestDownload::findAgeInList_data()
-{
-    QTest::addColumn<QString>("number");
-    QTest::addColumn<int>("age");
-    QTest::newRow("first of two with the number") << u"PL002"_s << 3;
-    QTest::newRow("born on the reference day") << u"PL003"_s << 0;
-    QTest::newRow("without a birth date") << u"PL004"_s << 24486;
-    QTest::newRow("case counts") << u"pl002"_s << 0;
-    QTest::newRow("no such animal") << u"PL999"_s << 0;
-}
-
-void TestDownload::findAgeInList()
-{
-    QFETCH(QString, number);
-    QFETCH(int, age);
-    const QDate reference(2024, 1, 1);
-    OwningList<TZZIInfoClass> animals;
-    const auto add = [&animals](const char* tag, TDateTime birth) {
-        animals.push_back(std::make_unique<TZZIInfoClass>());
-        animals.back()->numerIdentyfikacyjnyZwierzecia = QLatin1String(tag);
-        animals.back()->dataUrodzenia = birth;
-    };
-    add("PL001", ToDateTime(QDate(2020, 1, 1)));
-    add("PL002", ToDateTime(QDate(2023, 11, 1))); // 61 days: 3
-    add("PL002", ToDateTime(QDate(2020, 5, 1)));
-    add("PL003", ToDateTime(reference));
-    add("PL004", EmptyDate); // 745292 days: 24485, plus 1
-    QCOMPARE(FindAgeInList(animals, number, ToDateTime(reference)), age);
 }
 
 void TestDownload::gatherCredentials_data()
@@ -587,12 +499,11 @@ void TestDownload::gatherCredentials_data()
     QTest::addColumn<bool>("torvLogin");
     QTest::addColumn<QString>("login");
     QTest::addColumn<QString>("gathered"); // login, password, producer
-    const QString fields = u"jan|haslo|123456789"_s;
-    const QString test = u"uzytkownik.testowy.1|Zielonka7Kb2!|071234562"_s;
-    QTest::newRow("fields") << false << u"jan"_s << fields;
+    QTest::newRow("fields") << false << u"jan"_s << u"jan|haslo|123456789"_s;
     QTest::newRow("fields, even without a login") << false << QString() << u"|haslo|123456789"_s;
-    QTest::newRow("test credentials for an empty login") << true << QString() << test;
-    QTest::newRow("a typed login wins over the test credentials") << true << u"jan"_s << fields;
+    QTest::newRow("test credentials for an empty login") << true << QString()
+                                                         << u"uzytkownik.testowy.1|Zielonka7Kb2!|071234562"_s;
+    QTest::newRow("a typed login wins over the test credentials") << true << u"jan"_s << u"jan|haslo|123456789"_s;
 }
 
 void TestDownload::gatherCredentials()

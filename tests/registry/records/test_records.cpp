@@ -6,8 +6,6 @@
 #include <QJsonDocument>
 #include <QTest>
 
-#include <limits>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -32,19 +30,14 @@ class TestRecords : public QObject {
 
 private Q_SLOTS:
     void animalNumberTakesTheRegisteredKeyLast();
-    void datesReadTheirForms_data();
-    void datesReadTheirForms();
+    void datesAndIntegersReadTheirForms_data();
+    void datesAndIntegersReadTheirForms();
     void documentDatesReplaceTheT();
     void codePairsAreCutAndToleratePartialObjects_data();
     void codePairsAreCutAndToleratePartialObjects();
     void wrongTypesRaiseANamedConversionError_data();
     void wrongTypesRaiseANamedConversionError();
-    void integersUseTheWhole32Bits_data();
-    void integersUseTheWhole32Bits();
-    void holdingReadsNestedListsInOrder();
-    void holdingNumbersIgnoreThePresenceRule();
-    void duplicateCountIsKeptAsAFlag_data();
-    void duplicateCountIsKeptAsAFlag();
+    void holdingReadsEveryNestedList();
     void errorEntries();
     void sampleAnimalFromTheRegistry();
 };
@@ -59,9 +52,9 @@ void TestRecords::animalNumberTakesTheRegisteredKeyLast()
              u"PL1"_s);
 }
 
-void TestRecords::datesReadTheirForms_data()
+void TestRecords::datesAndIntegersReadTheirForms_data()
 {
-    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QByteArray>("json"); // "lp" or "dataUrodzenia"
     QTest::addColumn<double>("expected");
     QTest::newRow("date") << QByteArray(R"({"dataUrodzenia":"2023-01-15"})") << 44941.0;
     QTest::newRow("date and time") << QByteArray(R"({"dataUrodzenia":"2023-01-15T12:00:00"})") << 44941.5;
@@ -70,13 +63,17 @@ void TestRecords::datesReadTheirForms_data()
     QTest::newRow("offset") << QByteArray(R"({"dataUrodzenia":"2023-01-15T18:00:00+01:00"})") << 44941.75;
     QTest::newRow("null is the empty date") << QByteArray(R"({"dataUrodzenia":null})") << EmptyDate;
     QTest::newRow("missing is the empty date") << QByteArray("{}") << EmptyDate;
+    QTest::newRow("lowest integer") << QByteArray(R"({"lp":-2147483648})") << -2147483648.0;
+    QTest::newRow("highest integer") << QByteArray(R"({"lp":2147483647})") << 2147483647.0;
+    QTest::newRow("integer with a fraction of zero") << QByteArray(R"({"lp":7.0})") << 7.0;
 }
 
-void TestRecords::datesReadTheirForms()
+void TestRecords::datesAndIntegersReadTheirForms()
 {
     QFETCH(QByteArray, json);
     QFETCH(double, expected);
-    QCOMPARE(Animal(json.constData())->dataUrodzenia, expected);
+    const auto animal = Animal(json.constData());
+    QCOMPARE(json.contains("lp") ? animal->lp : animal->dataUrodzenia, expected);
 }
 
 void TestRecords::documentDatesReplaceTheT()
@@ -123,111 +120,109 @@ void TestRecords::codePairsAreCutAndToleratePartialObjects()
 void TestRecords::wrongTypesRaiseANamedConversionError_data()
 {
     QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<int>("record"); // 0 an animal, 1 a holding, 2 a document
     QTest::addColumn<QString>("message");
-    QTest::newRow("integer as text") << QByteArray(R"({"lp":"abc"})")
-                                     << uR"(Błąd konwersji: pole "lp", wartość "abc")"_s;
-    QTest::newRow("fractional integer") << QByteArray(R"({"lp":1.5})")
-                                        << uR"(Błąd konwersji: pole "lp", wartość "1.5")"_s;
-    QTest::newRow("integer past 32 bits") << QByteArray(R"({"lp":2147483648})")
-                                          << uR"(Błąd konwersji: pole "lp", wartość "2147483648")"_s;
-    QTest::newRow("integer below 32 bits") << QByteArray(R"({"lp":-2147483649})")
-                                           << uR"(Błąd konwersji: pole "lp", wartość "-2147483649")"_s;
-    QTest::newRow("flag as text") << QByteArray(R"({"czyMatka":"tak"})")
-                                  << uR"(Błąd konwersji: pole "czyMatka", wartość "tak")"_s;
-    QTest::newRow("number as text") << QByteArray(R"({"masaTuszy":"ciężka"})")
-                                    << uR"(Błąd konwersji: pole "masaTuszy", wartość "ciężka")"_s;
-    QTest::newRow("date as number") << QByteArray(R"({"dataUrodzenia":5})")
-                                    << uR"(Błąd konwersji: pole "dataUrodzenia", wartość "5")"_s;
-    QTest::newRow("impossible date") << QByteArray(R"({"dataUrodzenia":"2023-13-45"})")
-                                     << uR"(Błąd konwersji: pole "dataUrodzenia", wartość "2023-13-45")"_s;
-    QTest::newRow("text as number") << QByteArray(R"({"numerDzialalnosci":7})")
-                                    << uR"(Błąd konwersji: pole "numerDzialalnosci", wartość "7")"_s;
-    QTest::newRow("nested element") << QByteArray(R"({"srodkiIdentyfikacji":[{"numerDuplikatu":"x"}]})")
-                                    << uR"(Błąd konwersji: pole "numerDuplikatu", wartość "x")"_s;
-    QTest::newRow("element not an object") << QByteArray(R"({"srodkiIdentyfikacji":[3]})")
-                                           << uR"(Błąd konwersji: pole "srodkiIdentyfikacji", wartość "[3]")"_s;
-}
-
-void TestRecords::integersUseTheWhole32Bits_data()
-{
-    QTest::addColumn<QByteArray>("json");
-    QTest::addColumn<int>("lp");
-    QTest::newRow("lowest") << QByteArray(R"({"lp":-2147483648})") << std::numeric_limits<int>::min();
-    QTest::newRow("highest") << QByteArray(R"({"lp":2147483647})") << std::numeric_limits<int>::max();
-    QTest::newRow("written with a fraction of zero") << QByteArray(R"({"lp":7.0})") << 7;
-}
-
-void TestRecords::integersUseTheWhole32Bits()
-{
-    QFETCH(QByteArray, json);
-    QFETCH(int, lp);
-    QCOMPARE(Animal(json.constData())->lp, lp);
+    const auto row = [](const char* name, const char* json, int record, const char* key, const char* value) {
+        QTest::newRow(name) << QByteArray(json) << record
+                            << uR"(Błąd konwersji: pole "%1", wartość "%2")"_s.arg(QString::fromUtf8(key),
+                                                                                  QString::fromUtf8(value));
+    };
+    row("integer as text", R"({"lp":"abc"})", 0, "lp", "abc");
+    row("fractional integer", R"({"lp":1.5})", 0, "lp", "1.5");
+    row("integer past 32 bits", R"({"lp":2147483648})", 0, "lp", "2147483648");
+    row("integer below 32 bits", R"({"lp":-2147483649})", 0, "lp", "-2147483649");
+    row("flag as text", R"({"czyMatka":"tak"})", 0, "czyMatka", "tak");
+    row("number as text", R"({"masaTuszy":"ciężka"})", 0, "masaTuszy", "ciężka");
+    row("date as number", R"({"dataUrodzenia":5})", 0, "dataUrodzenia", "5");
+    row("impossible date", R"({"dataUrodzenia":"2023-13-45"})", 0, "dataUrodzenia", "2023-13-45");
+    row("text as number", R"({"numerDzialalnosci":7})", 0, "numerDzialalnosci", "7");
+    row("nested element", R"({"srodkiIdentyfikacji":[{"numerDuplikatu":"x"}]})", 0, "numerDuplikatu", "x");
+    row("element not an object", R"({"srodkiIdentyfikacji":[3]})", 0, "srodkiIdentyfikacji", "[3]");
+    row("holding: number as text", R"({"adresDzialalnosciPozycjaX":"x"})", 1, "adresDzialalnosciPozycjaX", "x");
+    row("holding: nested text as number", R"({"listaPastwisk":[{"listaPunktowPolozenia":[{"numerArkuszaMapy":1}]}]})",
+        1, "numerArkuszaMapy", "1");
+    row("holding: keeper's flag as a number", R"({"listaOsobOpiekujacychSieZwierzetami":[{"producentJestWlascicielem":1}]})",
+        1, "producentJestWlascicielem", "1");
+    row("document: date as number", R"({"dataUtworzenia":20261123})", 2, "dataUtworzenia", "20261123");
 }
 
 void TestRecords::wrongTypesRaiseANamedConversionError()
 {
     QFETCH(QByteArray, json);
+    QFETCH(int, record);
     QFETCH(QString, message);
     try {
-        Animal(json.constData());
+        OwningList<TStadoClass> herds;
+        OwningList<TDokumInfOgolneClass> documents;
+        if (record == 0)
+            Animal(json.constData());
+        else if (record == 1)
+            TStadoClass::Parse(Json(json.constData()), herds);
+        else
+            TDokumInfOgolneClass::Parse(Json(json.constData()), documents);
         QFAIL("a conversion error was expected");
     } catch (const ConversionError& error) {
         QCOMPARE(error.message(), message);
     }
 }
 
-void TestRecords::holdingReadsNestedListsInOrder()
+// A holding with every nested list; each record class gets a field of each kind it has.
+void TestRecords::holdingReadsEveryNestedList()
 {
     OwningList<TStadoClass> herds;
-    TStadoClass::Parse(Json(R"({"numerDzialalnosci":"071234562-001","stanDzialalnosci":{"kod":"SDZA","opis":"Aktywna"},
-        "adresDzialalnosciPozycjaX":52.25,"czyDzierzawaRzezni":true,"dataZarejestrowania":"2004-05-01",
-        "listaBudynkow":[{"lp":1,"budynekPozycjaX":10},{"lp":2}],
-        "listaPastwisk":[{"lp":1,"opisPastwiska":"Łąka","listaPunktowPolozenia":[{"lp":1,"pozycjaX":5},{"lp":2}]}]})"),
+    TStadoClass::Parse(Json(R"({"numerDzialalnosci":"071234562-001","adresDzialalnosciPozycjaY":52.25,
+        "adresDzialalnosciGmina":{"kod":"G1","opis":"Gmina"},"zalacznikZDecyzjaPLW":true,"dzierzawaDoDaty":"2004-05-01",
+        "listaBudynkow":[{"lp":1,"budynekPozycjaY":10},{"lp":2}],
+        "listaDeklarowanychGatunkow":[{"gatunek":{"kod":"BYD","opis":"Bydło"}}],
+        "listaSystemowUtrzymywaniaZwierzat":[{"dataZakonczeniaZaprzestaniaDzialalnosci":"2025-12-31",
+            "technologiaProdukcji":{"kod":"T"}}],
+        "zwierzetaWDzialalnosci":[{"liczbaNieprawidlowosci":85,"zablokowaneZwierzeta":true,"statusGatunku":{"kod":"S"}}],
+        "listaOsobOpiekujacychSieZwierzetami":[{"adresEmail":"a@b.pl","ulica":{"kod":"U"},"producentJestWlascicielem":true}],
+        "przydzieloneIdentyfikatory":[{"liczbaIdentyfikatorowWykorzystanych":12,"gatunek":{"kod":"BYD"},
+            "liczbaDuplikatow":3},{"liczbaDuplikatow":0}],
+        "listaPastwisk":[{"opisPastwiska":"Łąka","listaPunktowPolozenia":[{"lp":1},{"numerDzialkiEwidencyjnej":"12/3",
+            "gmina":{"kod":"G2"},"pozycjaY":4}]}],
+        "stanDzialalnosciDlaGatunku":[{"dataDo":"2026-01-02","opisStanu":"Aktywna","przyczynaZmiany":{"kod":"P"}}],
+        "listaDzialekEwidencyjnych":[{"numerArkuszaMapy":"7","powiat":{"kod":"0712"}}]})"),
                        herds);
     const TStadoClass& herd = *herds.at(0);
-    QCOMPARE(herd.stanDzialalnosci.kod, u"SDZA"_s);
-    QCOMPARE(herd.adresDzialalnosciPozycjaX, 52.25);
-    QVERIFY(herd.czyDzierzawaRzezni);
-    QCOMPARE(herd.dataZarejestrowania, Day(2004, 5, 1));
-    QCOMPARE(herd.dataWyrejestrowania, EmptyDate);
+    QCOMPARE(herd.adresDzialalnosciGmina.opis, u"Gmina"_s);
+    QCOMPARE(herd.adresDzialalnosciPozycjaY, 52.25);
+    QVERIFY(herd.zalacznikZDecyzjaPLW);
+    QCOMPARE(herd.dzierzawaDoDaty, Day(2004, 5, 1));
+    QCOMPARE(herd.dzierzawaOdDaty, EmptyDate);
     QCOMPARE(herd.listaBudynkow.size(), 2u);
+    QCOMPARE(herd.listaBudynkow[0]->budynekPozycjaY, 10);
     QCOMPARE(herd.listaBudynkow[1]->lp, 2);
-    QCOMPARE(herd.listaBudynkow[0]->budynekPozycjaX, 10);
+    QCOMPARE(herd.listaDeklarowanychGatunkow.at(0)->gatunek.opis, u"Bydło"_s);
+    QCOMPARE(herd.listaSystemowUtrzymywaniaZwierzat.at(0)->dataZakonczeniaZaprzestaniaDzialalnosci, Day(2025, 12, 31));
+    QCOMPARE(herd.listaSystemowUtrzymywaniaZwierzat.at(0)->technologiaProdukcji.kod, u"T"_s);
+    QCOMPARE(herd.zwierzetaWDzialalnosci.at(0)->liczbaNieprawidlowosci, 85);
+    QVERIFY(herd.zwierzetaWDzialalnosci.at(0)->zablokowaneZwierzeta);
+    QCOMPARE(herd.zwierzetaWDzialalnosci.at(0)->statusGatunku.kod, u"S"_s);
+    const auto& keeper = *herd.listaOsobOpiekujacychSieZwierzetami.at(0);
+    QCOMPARE(keeper.adresEmail, u"a@b.pl"_s);
+    QCOMPARE(keeper.ulica.kod, u"U"_s);
+    QVERIFY(keeper.producentJestWlascicielem && !keeper.zgodaNaKomunikacjeElektroniczna);
+    QCOMPARE(herd.przydzieloneIdentyfikatory.at(0)->liczbaIdentyfikatorowWykorzystanych, 12);
+    QCOMPARE(herd.przydzieloneIdentyfikatory.at(0)->gatunek.kod, u"BYD"_s);
+    QVERIFY(herd.przydzieloneIdentyfikatory.at(0)->liczbaDuplikatow); // a count kept as a flag
+    QVERIFY(!herd.przydzieloneIdentyfikatory.at(1)->liczbaDuplikatow);
     QCOMPARE(herd.listaPastwisk.at(0)->opisPastwiska, u"Łąka"_s);
-    QCOMPARE(herd.listaPastwisk.at(0)->listaPunktowPolozenia.at(1)->lp, 2);
-    QVERIFY(herd.listaDzialekEwidencyjnych.empty());
+    const auto& point = *herd.listaPastwisk.at(0)->listaPunktowPolozenia.at(1);
+    QCOMPARE(point.numerDzialkiEwidencyjnej, u"12/3"_s);
+    QCOMPARE(point.gmina.kod, u"G2"_s);
+    QCOMPARE(point.pozycjaY, 4);
+    QCOMPARE(herd.stanDzialalnosciDlaGatunku.at(0)->dataDo, Day(2026, 1, 2));
+    QCOMPARE(herd.stanDzialalnosciDlaGatunku.at(0)->opisStanu, u"Aktywna"_s);
+    QCOMPARE(herd.stanDzialalnosciDlaGatunku.at(0)->przyczynaZmiany.kod, u"P"_s);
+    QCOMPARE(herd.listaDzialekEwidencyjnych.at(0)->numerArkuszaMapy, u"7"_s);
+    QCOMPARE(herd.listaDzialekEwidencyjnych.at(0)->powiat.kod, u"0712"_s);
 
-    TStadoClass::Parse(Json(R"({"numerDzialalnosci":"071234562-002"})"), herds);
+    TStadoClass::Parse(Json(R"({"numerProducenta":null})"), herds); // read as text, null or not
     QCOMPARE(herds.size(), 2u);
+    QVERIFY(herds[1]->numerProducenta.isEmpty() && herds[1]->numerDzialalnosci.isEmpty());
     QVERIFY(herds[1]->listaPastwisk.empty());
-}
-
-void TestRecords::holdingNumbersIgnoreThePresenceRule()
-{
-    OwningList<TStadoClass> herds;
-    TStadoClass::Parse(Json(R"({"numerProducenta":null})"), herds);
-    QCOMPARE(herds.at(0)->numerProducenta, QString());
-    QCOMPARE(herds.at(0)->numerDzialalnosci, QString());
-}
-
-void TestRecords::duplicateCountIsKeptAsAFlag_data()
-{
-    QTest::addColumn<int>("count");
-    QTest::addColumn<bool>("flag");
-    QTest::newRow("three") << 3 << true;
-    QTest::newRow("none") << 0 << false;
-}
-
-void TestRecords::duplicateCountIsKeptAsAFlag()
-{
-    QFETCH(int, count);
-    QFETCH(bool, flag);
-    OwningList<TStadoPrzydzieloneIdentyfikatoryClass> list;
-    TStadoPrzydzieloneIdentyfikatoryClass::Parse(
-        QJsonObject{{u"liczbaDuplikatow"_s, count}, {u"liczbaIdentyfikatorowPrzydzielonych"_s, 40}},
-        list);
-    QCOMPARE(list.at(0)->liczbaDuplikatow, flag);
-    QCOMPARE(list.at(0)->liczbaIdentyfikatorowPrzydzielonych, 40);
 }
 
 void TestRecords::errorEntries()

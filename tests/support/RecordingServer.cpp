@@ -1,4 +1,4 @@
-#include "RecordingServer.h"
+#include "support/RecordingServer.h"
 
 #include <QTimer>
 
