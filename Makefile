@@ -4,7 +4,7 @@ ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc)
 CMAKE_GEN  := -G Ninja
 
-.PHONY: all bootstrap build test unit-asan demo bench clean
+.PHONY: all bootstrap build test unit-asan demo bench clean format format-check
 
 all: build
 
@@ -36,3 +36,12 @@ bench: build
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD)
+
+# The style is .clang-format's (Debian's clang-format 14); CI refuses code that does not follow it.
+FORMATTED = $(shell git ls-files '*.cpp' '*.h')
+
+format: bootstrap
+	clang-format -i $(FORMATTED)
+
+format-check: bootstrap
+	clang-format --dry-run --Werror $(FORMATTED)

@@ -38,10 +38,14 @@ std::unique_ptr<TZZIInfoClass> MakeAnimal(quint64& state, int herd, int index, T
     state = state * 6364136223846793005ULL + 1442695040888963407ULL;
     const auto pick = [&state](int n) { return static_cast<int>((state >> 33) % static_cast<quint64>(n)); };
     static const char* types[][2] = {{"MI", "Mięsny"}, {"ML", "Mleczny"}, {"KO", "Kombinowany"}};
-    static const char* directions[][2] = {{"MI", "Mięsny"}, {"ML", "Mleczny"}, {"OP", "Do opasu"},
-                                          {"MIOP", "Mięsny do opasu"}, {"MLOP", "Mleczny do opasu"}};
+    static const char* directions[][2] = {{"MI", "Mięsny"},
+                                          {"ML", "Mleczny"},
+                                          {"OP", "Do opasu"},
+                                          {"MIOP", "Mięsny do opasu"},
+                                          {"MLOP", "Mleczny do opasu"}};
     auto animal = std::make_unique<TZZIInfoClass>();
-    animal->numerIdentyfikacyjnyZwierzecia = u"PL%1%2"_s.arg(herd, 4, 10, QLatin1Char('0')).arg(index, 8, 10, QLatin1Char('0'));
+    animal->numerIdentyfikacyjnyZwierzecia =
+        u"PL%1%2"_s.arg(herd, 4, 10, QLatin1Char('0')).arg(index, 8, 10, QLatin1Char('0'));
     animal->dataUrodzenia = reference - pick(3000);
     animal->plec = pick(2) ? Pair("XX", "Samica") : Pair("XY", "Samiec");
     const int type = pick(3);
@@ -110,8 +114,9 @@ int main()
     const double seconds = static_cast<double>(elapsedNs) / 1e9;
     out << "animals written and analysed: " << Herds * AnimalsPerHerd << Qt::endl;
     out << "rows in mdRZ00: " << tables.mdRZ00().recordCount() << Qt::endl;
-    out << "time: " << QString::number(seconds, 'f', 3) << " s (target < 0.5 s), of which on the CPU: "
-        << QString::number(static_cast<double>(cpuNs) / 1e9, 'f', 3) << " s" << Qt::endl;
+    out << "time: " << QString::number(seconds, 'f', 3)
+        << " s (target < 0.5 s), of which on the CPU: " << QString::number(static_cast<double>(cpuNs) / 1e9, 'f', 3)
+        << " s" << Qt::endl;
     out << "peak memory: " << PeakMegabytes() << " MB (target < 200 MB)" << Qt::endl;
     return 0;
 }

@@ -76,8 +76,8 @@ int main(int argc, char* argv[])
     const Run serial = Download(simulator.baseUrl(), demo, 1);
     const Run parallel = Download(simulator.baseUrl(), demo, RegistryConfig().maxParallelRequests);
     out << "one request at a time:   " << QString::number(serial.seconds, 'f', 2) << " s" << Qt::endl;
-    out << "default (" << RegistryConfig().maxParallelRequests << " in flight): "
-        << QString::number(parallel.seconds, 'f', 2) << " s" << Qt::endl;
+    out << "default (" << RegistryConfig().maxParallelRequests
+        << " in flight): " << QString::number(parallel.seconds, 'f', 2) << " s" << Qt::endl;
     out << "speed-up: " << QString::number(serial.seconds / parallel.seconds, 'f', 2) << "x (target >= 4x)" << Qt::endl;
     const bool identical = serial.dump == parallel.dump;
     out << "identical tables, memos and messages: " << (identical ? "yes" : "NO") << Qt::endl;

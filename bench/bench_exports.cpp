@@ -9,7 +9,6 @@
 #include <QTextStream>
 
 #include <numeric>
-
 #include <time.h>
 
 using namespace Qt::StringLiterals;

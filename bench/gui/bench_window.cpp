@@ -42,11 +42,9 @@ double RunCli(const QString& baseUrl, const DemoOptions& demo)
     cli.setStandardOutputFile(QProcess::nullDevice());
     QElapsedTimer timer;
     timer.start();
-    cli.start(QStringLiteral(HALVARN_CLI),
-              {u"download"_s, u"--login"_s, demo.login, u"--password"_s,
-               demo.password, u"--producer"_s, demo.producerNumber, u"--sso-base"_s,
-               baseUrl, u"--api-base"_s, baseUrl, u"--data-dir"_s, data.path(),
-               u"--yes"_s});
+    cli.start(QStringLiteral(HALVARN_CLI), {u"download"_s, u"--login"_s, demo.login, u"--password"_s, demo.password,
+                                            u"--producer"_s, demo.producerNumber, u"--sso-base"_s, baseUrl,
+                                            u"--api-base"_s, baseUrl, u"--data-dir"_s, data.path(), u"--yes"_s});
     cli.waitForFinished(-1);
     return cli.exitCode() == 0 ? Seconds(timer) : -1;
 }

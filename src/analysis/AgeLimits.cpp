@@ -19,10 +19,8 @@ const std::array<AgeLimitKey, AgeLimitCount>& AgeLimitKeys()
         {CieletaGrp_Od_150KG_Do_220KG_Wiek_Do, "CieletaGrp_Od_150KG_Do_220KG_Wiek_Do", 5},
         {CieletaGrp_Ponad_220KG_Wiek_Od, "CieletaGrp_Ponad_220KG_Wiek_Od", 5},
         {HalvKrowMamekGrp_Cieleta_Do_150KG_Wiek_Do, "HalvKrowMamekGrp_Cieleta_Do_150KG_Wiek_Do", 3},
-        {HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Od,
-         "HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Od", 3},
-        {HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do,
-         "HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do", 5},
+        {HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Od, "HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Od", 3},
+        {HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do, "HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do", 5},
         {HalvKrowMamekGrp_Cieleta_Ponad_220KG_Wiek_Od, "HalvKrowMamekGrp_Cieleta_Ponad_220KG_Wiek_Od", 5},
         {HalvOpasowGrp_Do_150KG_Wiek_Do, "HalvOpasowGrp_Do_150KG_Wiek_Do", 3},
         {HalvOpasowGrp_Od_150KG_Do_220KG_Wiek_Od, "HalvOpasowGrp_Od_150KG_Do_220KG_Wiek_Od", 3},
@@ -92,8 +90,7 @@ void AgeLimits::resetInvertedRanges(QStringList& problems)
         if ((*this)[lower] <= (*this)[upper])
             continue;
         problems.append(u"Niepoprawny przedział wieku w ustawieniach: [%1] %2=%3 jest większe niż %4=%5; "
-                                       u"użyto %6 i %7"_s
-                            .arg(AgeLimitsSection(), QLatin1String(KeyOf(lower).key))
+                        u"użyto %6 i %7"_s.arg(AgeLimitsSection(), QLatin1String(KeyOf(lower).key))
                             .arg((*this)[lower])
                             .arg(QLatin1String(KeyOf(upper).key))
                             .arg((*this)[upper])

@@ -3,7 +3,6 @@
 #include "analysis/GroupCatalogue.h"
 #include "core/tables/WorkingTables.h"
 
-
 #include <initializer_list>
 
 using namespace Qt::StringLiterals;
@@ -76,7 +75,8 @@ void WelfareAnalysis::blockSucklerCows(Animal& a) const
     step(a.age() <= 8, GroupId::SucklerFattenersTo300, d, d);
     step(a.age() <= limits_[HalvKrowMamekGrp_Cieleta_Do_150KG_Wiek_Do], GroupId::SucklerCalvesTo150, d, d);
     step(In(a.age(), limits_[HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Od],
-            limits_[HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do]), GroupId::SucklerCalves150To220, d, d);
+            limits_[HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG_Wiek_Do]),
+         GroupId::SucklerCalves150To220, d, d);
     step(In(a.age(), limits_[HalvKrowMamekGrp_Cieleta_Ponad_220KG_Wiek_Od], 6), GroupId::SucklerCalvesOver220, d, d);
     step(a.female() && In(a.age(), 6, 19), GroupId::SucklerHeifers6To19, QString(), u"DX"_s);
     step(a.female() && In(a.age(), 19, 24), GroupId::SucklerHeifers19To24, d, d);
@@ -105,8 +105,8 @@ void WelfareAnalysis::blockFattening(Animal& a) const
 void WelfareAnalysis::blockDairy(Animal& a) const
 {
     const QString& type = a.facts.useType;
-    const bool dairyCow = type == QLatin1String("ML") ||
-                          (type == QLatin1String("KO") && a.facts.useDirection == QLatin1String("ML"));
+    const bool dairyCow =
+        type == QLatin1String("ML") || (type == QLatin1String("KO") && a.facts.useDirection == QLatin1String("ML"));
     if (!a.counted && a.age() > 24 && a.female() && dairyCow)
         main(a, GroupId::DairyCows, u"D"_s, u"Halvarn krów mlecznych, 24 > Wiek"_s);
     dairyFattening(a);
@@ -127,7 +127,8 @@ void WelfareAnalysis::dairyFattening(Animal& a) const
         main(a, GroupId::BeefTo300, x, u"Bydło opasowe do 300 kg, 6 > Wiek <= 8"_s);
         if (age <= limits_[BydloOpasoweGrp_Do_150KG_Wiek_Do])
             sub(a, GroupId::BeefTo150);
-        if (In(age, limits_[BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Od], limits_[BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Do]))
+        if (In(age, limits_[BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Od],
+               limits_[BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Do]))
             sub(a, GroupId::Beef150To220);
         if (In(age, limits_[BydloOpasoweGrp_Od_220KG_Do_300KG_Wiek_Od], 8))
             sub(a, GroupId::Beef220To300);
@@ -191,7 +192,8 @@ void WelfareAnalysis::dairySucklerCows(Animal& a) const
     const int id = calfAge <= 2   ? GroupId::CowsWithCalvesTo150
                    : calfAge <= 4 ? GroupId::CowsWithCalves150To220
                                   : GroupId::CowsWithCalves220To300;
-    const QString captions[] = {u"Krowy mamki z cielętami do 150 kg, "_s, u"Krowy mamki z cielętami 150 kg - 220 kg, "_s,
+    const QString captions[] = {u"Krowy mamki z cielętami do 150 kg, "_s,
+                                u"Krowy mamki z cielętami 150 kg - 220 kg, "_s,
                                 u"Krowy mamki z cielętami 220 kg - 300 kg, "_s};
     const QString where = captions[id - GroupId::CowsWithCalvesTo150];
     if (OneOf(a.facts.useType, {"KO", "MI"}) && OneOf(a.facts.useDirection, {"OP", "MI", "MIOP", "MLOP"})) {

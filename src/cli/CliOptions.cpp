@@ -118,8 +118,10 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
     parser.addPositionalArgument(u"download"_s, u"pobierz dane producenta"_s);
     parser.addOptions({
         Value("login", "login do rejestru", "L"),
-        Value("password", "hasło do rejestru; \"-\" czyta je ze standardowego wejścia "
-                          "(domyślnie zmienna środowiska HALVARN_PASSWORD)", "P"),
+        Value("password",
+              "hasło do rejestru; \"-\" czyta je ze standardowego wejścia "
+              "(domyślnie zmienna środowiska HALVARN_PASSWORD)",
+              "P"),
         Value("producer", "numer producenta, 9 cyfr (bez PL)", "N"),
         Value("name", "nazwa producenta", "TEXT"),
         Value("state-date", "stan zwierząt na dzień (domyślnie dziś)", "YYYY-MM-DD"),

@@ -13,9 +13,8 @@ QString Row(const QString& id, const QString& group, const QString& range, const
 
 QString GroupTable(const Table& table, const QString& title)
 {
-    QString text = title + u'\n' +
-                   Row(u"ID"_s, u"Grupa technologiczna"_s, u"Zakres wieku"_s,
-                       u"Ilość"_s, u"Inf. dod."_s);
+    QString text =
+        title + u'\n' + Row(u"ID"_s, u"Grupa technologiczna"_s, u"Zakres wieku"_s, u"Ilość"_s, u"Inf. dod."_s);
     int total = 0;
     for (int row = 0; row < table.recordCount(); ++row) {
         total += AsInteger(table.at(row, 3));

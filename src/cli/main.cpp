@@ -1,8 +1,8 @@
-#include "core/session/HalvarnSession.h"
-#include "core/session/SessionDump.h"
 #include "cli/CliHost.h"
 #include "cli/CliOptions.h"
 #include "cli/GroupReport.h"
+#include "core/session/HalvarnSession.h"
+#include "core/session/SessionDump.h"
 #include "export/ExportCommands.h"
 #include "framework/IniFile.h"
 #include "framework/SafeFile.h"
@@ -38,8 +38,7 @@ int ExitCodeFor(DownloadOutcome outcome, bool exportsFailed)
 bool WriteExports(HalvarnSession& session, CliHost& host, const QString& folder)
 {
     if (!QDir().mkpath(folder)) {
-        host.showMessage(u"Błąd..."_s,
-                         u"Nie można utworzyć folderu eksportu: "_s + folder, MessageIcon::Error);
+        host.showMessage(u"Błąd..."_s, u"Nie można utworzyć folderu eksportu: "_s + folder, MessageIcon::Error);
         return false;
     }
     host.setSummaryRowCount(session.tables().mdRZ00().recordCount());

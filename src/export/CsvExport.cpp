@@ -14,11 +14,24 @@ const char* const Title =
     "NumerDzialalnosci;NumerIdentyfikacyjnyMatki;NumerIdentyfikacyjnyDawczyni;NumerIdentyfikacyjnyDawcy;"
     "IloscOznakowan;";
 
-const char* const Fields[] = {"Rasa", "Plec", "NumerIdentyfikacyjny", "GdzieRozpatrzono", "DataUrodzenia", "Wiek",
-                              "TypUzytkowy", "KierunekUzytkowania", "CzyMatka", "DataPrzybycia",
-                              "DataWyrejestrowania", "RodzajDawczyni", "RodzajDawcy", "NumerDzialalnosci",
-                              "NumerIdentyfikacyjnyMatki", "NumerIdentyfikacyjnyDawczyni",
-                              "NumerIdentyfikacyjnyDawcy", "IloscOznakowan"};
+const char* const Fields[] = {"Rasa",
+                              "Plec",
+                              "NumerIdentyfikacyjny",
+                              "GdzieRozpatrzono",
+                              "DataUrodzenia",
+                              "Wiek",
+                              "TypUzytkowy",
+                              "KierunekUzytkowania",
+                              "CzyMatka",
+                              "DataPrzybycia",
+                              "DataWyrejestrowania",
+                              "RodzajDawczyni",
+                              "RodzajDawcy",
+                              "NumerDzialalnosci",
+                              "NumerIdentyfikacyjnyMatki",
+                              "NumerIdentyfikacyjnyDawczyni",
+                              "NumerIdentyfikacyjnyDawcy",
+                              "IloscOznakowan"};
 
 // Quotation marks inside a value are written as they are.
 QString Quoted(const QString& value)

@@ -40,8 +40,7 @@ ExportNaming ExportCommands::naming(const QString& folder) const
 
 void ExportCommands::exportSummaryXls()
 {
-    const QString path =
-        naming(exportFolder_).ExportFileName(u"Zwierzęta FILTROWANE-"_s, true, u".XLS"_s);
+    const QString path = naming(exportFolder_).ExportFileName(u"Zwierzęta FILTROWANE-"_s, true, u".XLS"_s);
     const std::vector<int> rows = session_.host().summaryRowsInDisplayOrder();
     const bool saved = writeWorkbook(path, [&](XlsWorkbook& workbook) {
         WriteSummarySheet(workbook.addSheet(u"Ogółem"_s), session_.tables().mdRZ00(), rows);
@@ -141,8 +140,7 @@ bool ExportCommands::writeWorkbook(const QString& path, const std::function<void
 
 void ExportCommands::showSaved(const QString& path)
 {
-    session_.host().showMessage(u"Informacja"_s, u"Zapisano do: "_s + Native(path),
-                                MessageIcon::Information);
+    session_.host().showMessage(u"Informacja"_s, u"Zapisano do: "_s + Native(path), MessageIcon::Information);
 }
 
 void ExportCommands::AskOpenFile(const QString& path)

@@ -35,15 +35,15 @@ void RequireRowsFit(const XlsWorksheet& sheet, std::size_t records)
     const std::size_t rows = records + 2;
     if (rows > static_cast<std::size_t>(XlsWorksheet::MaxRows))
         throw XlsError(u"Za dużo wierszy dla arkusza XLS \"%1\": %2 rekordów z tytułem i "
-                                         u"podsumowaniem to %3 wierszy, a format pozwala najwyżej na %4. "
-                                         u"Plik nie został zapisany."_s
-                           .arg(sheet.name())
+                       u"podsumowaniem to %3 wierszy, a format pozwala najwyżej na %4. "
+                       u"Plik nie został zapisany."_s.arg(sheet.name())
                            .arg(records)
                            .arg(rows)
                            .arg(XlsWorksheet::MaxRows));
 }
 
-void WriteFields(XlsWorksheet& sheet, int row, const Table& table, int record, std::initializer_list<const char*> fields)
+void WriteFields(XlsWorksheet& sheet, int row, const Table& table, int record,
+                 std::initializer_list<const char*> fields)
 {
     int column = 1;
     for (const char* field : fields) {
@@ -88,8 +88,8 @@ void WriteHerdAnimalsSheet(XlsWorksheet& sheet, Table& animals)
     animals.first();
     while (!animals.eof()) {
         WriteFields(sheet, row, animals, animals.recNo(),
-                    {"NumerIdentyfikacyjny", nullptr, "Wiek", "TypUzytkowy", "KierunekUzytkowania",
-                     "Rozpatrzono", "GdzieRozpatrzono", "CzyMatka", "Plec"});
+                    {"NumerIdentyfikacyjny", nullptr, "Wiek", "TypUzytkowy", "KierunekUzytkowania", "Rozpatrzono",
+                     "GdzieRozpatrzono", "CzyMatka", "Plec"});
         if (!IsNull(animals.value(birth)))
             sheet.setText(row, 2, DisplayText(animals.value(birth)));
         animals.next();

@@ -10,9 +10,15 @@ using TDateTime = double;
 
 inline constexpr TDateTime EmptyDate = -700000.0;
 
-inline bool IsEmptyDate(TDateTime value) { return value <= EmptyDate; }
+inline bool IsEmptyDate(TDateTime value)
+{
+    return value <= EmptyDate;
+}
 
-inline QDate DateEpoch() { return QDate(1899, 12, 30); }
+inline QDate DateEpoch()
+{
+    return QDate(1899, 12, 30);
+}
 
 inline TDateTime ToDateTime(QDate date)
 {

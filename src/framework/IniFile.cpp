@@ -107,11 +107,11 @@ int IniFile::readInteger(const QString& section, const QString& key, int default
     const int value = text.toInt(&ok);
     if (ok && value >= range.least && value <= range.most)
         return value;
-    problems.append(u"Niepoprawna wartość w ustawieniach: [%1] %2=%3 (dozwolone %4..%5); użyto %6"_s
-                        .arg(section, key, text)
-                        .arg(range.least)
-                        .arg(range.most)
-                        .arg(defaultValue));
+    problems.append(
+        u"Niepoprawna wartość w ustawieniach: [%1] %2=%3 (dozwolone %4..%5); użyto %6"_s.arg(section, key, text)
+            .arg(range.least)
+            .arg(range.most)
+            .arg(defaultValue));
     return defaultValue;
 }
 
@@ -132,9 +132,8 @@ void IniFile::writeInteger(const QString& section, const QString& key, int value
 
 void IniFile::writeString(const QString& section, const QString& key, const QString& value)
 {
-    auto target = std::find_if(sections_.begin(), sections_.end(), [&section](const Section& s) {
-        return !s.name.isNull() && SameName(s.name, section);
-    });
+    auto target = std::find_if(sections_.begin(), sections_.end(),
+                               [&section](const Section& s) { return !s.name.isNull() && SameName(s.name, section); });
     if (target == sections_.end()) {
         sections_.push_back(Section{section, {}});
         target = std::prev(sections_.end());
@@ -151,9 +150,8 @@ void IniFile::writeString(const QString& section, const QString& key, const QStr
 
 void IniFile::eraseSection(const QString& section)
 {
-    const auto erased = std::erase_if(sections_, [&section](const Section& s) {
-        return !s.name.isNull() && SameName(s.name, section);
-    });
+    const auto erased = std::erase_if(
+        sections_, [&section](const Section& s) { return !s.name.isNull() && SameName(s.name, section); });
     if (erased > 0)
         save();
 }

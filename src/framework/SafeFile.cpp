@@ -17,13 +17,11 @@ QString Reason(const QFileDevice& file, const QString& path, qint64 size)
     if (file.error() == QFileDevice::ResourceError || (storage.isValid() && storage.bytesAvailable() < size))
         return u"Brak miejsca na dysku"_s;
     switch (file.error()) {
-    case QFileDevice::PermissionsError:
-        return u"Brak uprawnień do zapisu (%1)"_s.arg(file.errorString());
+    case QFileDevice::PermissionsError: return u"Brak uprawnień do zapisu (%1)"_s.arg(file.errorString());
     case QFileDevice::OpenError:
-        return u"Nie można otworzyć pliku do zapisu; może jest otwarty w innym programie (%1)"_s
-            .arg(file.errorString());
-    default:
-        return u"Błąd zapisu (%1)"_s.arg(file.errorString());
+        return u"Nie można otworzyć pliku do zapisu; może jest otwarty w innym programie (%1)"_s.arg(
+            file.errorString());
+    default: return u"Błąd zapisu (%1)"_s.arg(file.errorString());
     }
 }
 } // namespace
@@ -32,8 +30,8 @@ void WriteFileAtomically(const QString& path, const QByteArray& contents)
 {
     QSaveFile file(path);
     const auto fail = [&path, &file, &contents] {
-        throw FileWriteError(u"Nie można zapisać pliku \"%1\": %2"_s
-                                 .arg(QDir::toNativeSeparators(path), Reason(file, path, contents.size())));
+        throw FileWriteError(u"Nie można zapisać pliku \"%1\": %2"_s.arg(QDir::toNativeSeparators(path),
+                                                                         Reason(file, path, contents.size())));
     };
     if (!file.open(QIODevice::WriteOnly))
         fail();

@@ -5,7 +5,6 @@
 #include <QByteArray>
 #include <QString>
 
-
 class FileWriteError : public HalvarnError {
 public:
     using HalvarnError::HalvarnError;

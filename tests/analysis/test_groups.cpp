@@ -94,10 +94,10 @@ void TestGroups::everyLimitReachesItsRangeText()
         heads << rows[row].caption;
     QCOMPARE(heads.join(u'|'), u"Halvarn krów mamek|Halvarn opasów|Halvarn krów mlecznych|Cielęta |NIE ROZLICZONE"_s);
     const std::pair<int, const char*> expected[] = {
-        {20, "Wiek <= 101"}, {21, "102 > Wiek <= 103"}, {22, "104 > Wiek <= 8"}, {24, "8 > Wiek <= 105"},
-        {25, "106 > Wiek <= 18"}, {27, "Wiek <= 107"}, {28, "108 > Wiek <= 109"}, {29, "110 > Wiek <= 6"},
-        {4, "Wiek <= 111"}, {5, "112 > Wiek <= 113"}, {6, "114 > Wiek <= 6"}, {11, "Wiek <= 115"},
-        {12, "116 > Wiek <= 117"}, {13, "118 > Wiek <= 8"}, {14, "8 > Wiek <= 119"}, {15, "120 > Wiek <= 18"},
+        {20, "Wiek <= 101"},       {21, "102 > Wiek <= 103"}, {22, "104 > Wiek <= 8"},   {24, "8 > Wiek <= 105"},
+        {25, "106 > Wiek <= 18"},  {27, "Wiek <= 107"},       {28, "108 > Wiek <= 109"}, {29, "110 > Wiek <= 6"},
+        {4, "Wiek <= 111"},        {5, "112 > Wiek <= 113"},  {6, "114 > Wiek <= 6"},    {11, "Wiek <= 115"},
+        {12, "116 > Wiek <= 117"}, {13, "118 > Wiek <= 8"},   {14, "8 > Wiek <= 119"},   {15, "120 > Wiek <= 18"},
     };
     for (const auto& [id, range] : expected)
         QCOMPARE(RangeOf(rows, id), QString::fromLatin1(range));

@@ -161,8 +161,8 @@ void TestWelfare::oneAnimal_data()
          opasow, "I10"},
         {"B 300-450 kg, raised upper limit overlaps over 450 kg", "B", "HalvOpasowGrp_Od_300KG_Do_450KG_Wiek_Do=12",
          "XY MI OP 11", "D/D", opasow, "I10 P14 P15"},
-        {"B over 450 kg, raised lower limit", "B", "HalvOpasowGrp_Ponad_450KG_Wiek_Od=15", "XY MI OP 12", "D/D",
-         opasow, "I10"},
+        {"B over 450 kg, raised lower limit", "B", "HalvOpasowGrp_Ponad_450KG_Wiek_Od=15", "XY MI OP 12", "D/D", opasow,
+         "I10"},
         {"B stops at 18 months", "BC", "", "XY MI OP 19", "X/X", bulls, "I35"},
         {"B needs a fattening direction", "B", "", "XY MI MI 5", "null/null", "null", ""},
         // Block C.
@@ -174,18 +174,18 @@ void TestWelfare::oneAnimal_data()
         {"C3 300-450 kg", "C", "", "XY MI MIOP 10", "X/X", ponad300, "I23 P24"},
         {"C3 over 450 kg", "C", "", "XX MI OP 18", "X/X", ponad300, "I23 P25"},
         {"C2 overlapping limits count twice", "C",
-         "BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Od=1;BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Do=6", "XY ML OP 2",
-         "X/X", do300, "I19 P20 P21"},
-        {"C2 raised lower limit of 220-300 kg", "C", "BydloOpasoweGrp_Od_220KG_Do_300KG_Wiek_Od=7", "XY ML OP 6",
-         "X/X", do300, "I19"},
+         "BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Od=1;BydloOpasoweGrp_Od_150KG_Do_220KG_Wiek_Do=6", "XY ML OP 2", "X/X",
+         do300, "I19 P20 P21"},
+        {"C2 raised lower limit of 220-300 kg", "C", "BydloOpasoweGrp_Od_220KG_Do_300KG_Wiek_Od=7", "XY ML OP 6", "X/X",
+         do300, "I19"},
         {"C3 changed limits count twice", "C",
-         "BydloOpasoweGrp_Od_300KG_Do_450KG_Wiek_Do=15;BydloOpasoweGrp_Ponad_450KG_Wiek_Od=12", "XY KO MLOP 14",
-         "X/X", ponad300, "I23 P24 P25"},
+         "BydloOpasoweGrp_Od_300KG_Do_450KG_Wiek_Do=15;BydloOpasoweGrp_Ponad_450KG_Wiek_Od=12", "XY KO MLOP 14", "X/X",
+         ponad300, "I23 P24 P25"},
         {"C4 female calf of 3 months", "C", "", "XX ML ML 3", "X/X", calves, "I26 P27 P30"},
         {"C4 male calf of 5 months", "C", "", "XY ML ML 5", "X/X", calves, "I26 P28 P31"},
         {"C4 calf of 6 months", "C", "", "XY ML ML 6", "X/X", calves, "I26 P29 P31"},
-        {"C4 with changed limits", "C", "CieletaGrp_Do_150KG_Wiek_Do=4;CieletaGrp_Ponad_220KG_Wiek_Od=2",
-         "XX ML ML 4", "X/X", calves, "I26 P27 P28 P29 P30"},
+        {"C4 with changed limits", "C", "CieletaGrp_Do_150KG_Wiek_Do=4;CieletaGrp_Ponad_220KG_Wiek_Od=2", "XX ML ML 4",
+         "X/X", calves, "I26 P27 P28 P29 P30"},
         {"C5 heifer", "C", "", "XX ML ML 19", "X/X", "Jałówki od 6 do 19, 6 > Wiek <= 19", "I32"},
         {"C6 heifer", "C", "", "XX ML ML 24", "X/X", "Jałówki od 19 do 24, 19 > Wiek <= 24", "I33"},
         {"C7 meat cow in the dairy block", "C", "", "XX MI MI 30", "X/X", cows, "I34"},
@@ -197,8 +197,8 @@ void TestWelfare::oneAnimal_data()
     };
     for (const Row& r : rows)
         QTest::newRow(r.name) << QString::fromUtf8(r.kinds) << QString::fromUtf8(r.limits)
-                              << QString::fromUtf8(r.animal) << QString::fromUtf8(r.marks)
-                              << QString::fromUtf8(r.where) << QString::fromUtf8(r.counts);
+                              << QString::fromUtf8(r.animal) << QString::fromUtf8(r.marks) << QString::fromUtf8(r.where)
+                              << QString::fromUtf8(r.counts);
 }
 
 void TestWelfare::oneAnimal()

@@ -12,8 +12,7 @@ using namespace Qt::StringLiterals;
 inline QJsonObject ReadWorkbook(const QString& path)
 {
     QProcess python;
-    python.start(u"/usr/bin/python3"_s,
-                 {QStringLiteral(HALVARN_TEST_DATA "/../export/dump_xls.py"), path});
+    python.start(u"/usr/bin/python3"_s, {QStringLiteral(HALVARN_TEST_DATA "/../export/dump_xls.py"), path});
     python.waitForFinished(120000);
     return QJsonDocument::fromJson(python.readAllStandardOutput()).object();
 }

@@ -1,9 +1,8 @@
-#include "export/XlsReader.h"
-#include "support/RecordingHost.h"
-
 #include "core/session/HalvarnSession.h"
 #include "export/ExportCommands.h"
+#include "export/XlsReader.h"
 #include "framework/IniFile.h"
+#include "support/RecordingHost.h"
 
 #include <QDir>
 #include <QFile>
@@ -76,9 +75,8 @@ struct Farm {
     }
 };
 
-const std::vector<Animal> ThreeCows{{"PL001", 1, 1, "Krowy, 24 > Wiek"},
-                                    {"PL002", 1, 0, "Krowy, 24 > Wiek"},
-                                    {"PL003", 1, 1, "Krowy, 24 > Wiek"}};
+const std::vector<Animal> ThreeCows{
+    {"PL001", 1, 1, "Krowy, 24 > Wiek"}, {"PL002", 1, 0, "Krowy, 24 > Wiek"}, {"PL003", 1, 1, "Krowy, 24 > Wiek"}};
 } // namespace
 
 class TestExports : public QObject {
@@ -103,8 +101,7 @@ void TestExports::summaryWorkbookFollowsTheGridRows()
     farm.host.summaryRows = {2, 0, 1};
     farm.host.answerYes = false;
     ExportCommands(farm.session).exportSummaryXls();
-    const QString path =
-        farm.exported("^Zwierzęta FILTROWANE-071234562 01\\.11\\.2026 \\d\\d_\\d\\d_\\d\\d\\.XLS$");
+    const QString path = farm.exported("^Zwierzęta FILTROWANE-071234562 01\\.11\\.2026 \\d\\d_\\d\\d_\\d\\d\\.XLS$");
     QVERIFY2(!path.isEmpty(), qPrintable(QDir(farm.session.dataFolder().exportFolder()).entryList().join(u',')));
     QCOMPARE(farm.host.messageTexts(), QStringList{u"Zapisano do: "_s + QDir::toNativeSeparators(path)});
     QCOMPARE(farm.host.questions, QStringList{u"Czy otworzyć stworzony plik?"_s});
@@ -115,8 +112,9 @@ void TestExports::summaryWorkbookFollowsTheGridRows()
              u"1,1:text:Zaznaczone|1,2:text:Stado|1,3:text:NumerIdentyfikacyjny|1,4:text:DataUrodzenia|1,5:text:Wiek|"
              u"1,6:text:TypUzytkowy|1,7:text:KierunekUzytkowania|1,8:text:Rozpatrzono|1,9:text:GdzieRozpatrzono|"
              u"1,10:text:CzyMatka|1,11:text:Płeć"_s);
-    QCOMPARE(cells.mid(11, 8).join(u'|'), u"2,1:bool:true|2,2:text:001|2,3:text:PL003|2,4:date:2020-03-10|2,5:number:80|"
-                                          u"2,9:text:Krowy, 24 > Wiek|2,10:number:1|2,11:text:Samica"_s);
+    QCOMPARE(cells.mid(11, 8).join(u'|'),
+             u"2,1:bool:true|2,2:text:001|2,3:text:PL003|2,4:date:2020-03-10|2,5:number:80|"
+             u"2,9:text:Krowy, 24 > Wiek|2,10:number:1|2,11:text:Samica"_s);
     QVERIFY(cells.contains(u"3,3:text:PL001"_s) && cells.contains(u"4,3:text:PL002"_s));
     QCOMPARE(cells.mid(cells.size() - 3).join(u'|'), u"5,1:text:Ilość:|5,4:number:3|5,10:number:2"_s);
 }
@@ -146,8 +144,8 @@ void TestExports::herdAnimalsSumTheMothersAsTheyAlwaysHave()
     QCOMPARE(SheetNames(book), QStringList{u"001"_s});
     const QStringList cells = SheetCells(book, 0);
     const int closing = static_cast<int>(mothers.size()) + 2;
-    QCOMPARE(cells.mid(cells.size() - 3).join(u'|'), u"%1,1:text:Ilość:|%1,2:number:%2|%1,8:number:%3"_s
-                                                         .arg(closing).arg(mothers.size()).arg(sum));
+    QCOMPARE(cells.mid(cells.size() - 3).join(u'|'),
+             u"%1,1:text:Ilość:|%1,2:number:%2|%1,8:number:%3"_s.arg(closing).arg(mothers.size()).arg(sum));
     if (!mothers.isEmpty()) {
         QVERIFY(cells.contains(u"2,2:text:10.03.2020"_s)); // the date as its display text
         QVERIFY(cells.contains(u"1,9:text:Płeć"_s));
@@ -186,7 +184,8 @@ void TestExports::groupsWorkbookHasNoTimeAndSumsIlosc()
     QVERIFY(!path.isEmpty());
     QCOMPARE(QDir(farm.session.dataFolder().exportFolder()).entryList(QDir::Files).size(), 1);
     const QStringList cells = SheetCells(ReadWorkbook(path), 0);
-    QCOMPARE(cells.mid(0, 4).join(u'|'), u"1,1:text:Grupa technologiczna|1,2:text:ZakresWieku|1,3:text:Ilosc|1,4:text:Inf. dod."_s);
+    QCOMPARE(cells.mid(0, 4).join(u'|'),
+             u"1,1:text:Grupa technologiczna|1,2:text:ZakresWieku|1,3:text:Ilosc|1,4:text:Inf. dod."_s);
     QCOMPARE(cells.mid(4, 3).join(u'|'), u"2,1:text:Halvarn krów mamek|2,2:text:-|2,3:number:5"_s);
     QCOMPARE(cells.mid(cells.size() - 2).join(u'|'), u"42,2:text:Suma:|42,3:number:5"_s);
     farm.host.herdChoice = QString(); // cancelled: nothing written, nothing said
@@ -271,7 +270,8 @@ void TestExports::sheetsTooLongForTheFormatAreRefusedBeforeWriting()
     QCOMPARE(farm.host.messages.size(), 1u);
     const auto& message = farm.host.messages[0];
     QCOMPARE(message.caption, refused ? u"Błąd..."_s : u"Informacja"_s);
-    QVERIFY2(!refused || (message.text.contains(u"65536"_s) && message.text.contains(u"65535"_s)), qPrintable(message.text));
+    QVERIFY2(!refused || (message.text.contains(u"65536"_s) && message.text.contains(u"65535"_s)),
+             qPrintable(message.text));
     QCOMPARE(QDir(farm.session.dataFolder().exportFolder()).entryList(QDir::Files).size(), refused ? 0 : 1);
     QCOMPARE(farm.host.questions.isEmpty(), refused); // only a written workbook is offered for opening
 }

@@ -1,9 +1,8 @@
-#include "support/Files.h"
-
 #include "analysis/AgeLimits.h"
 #include "framework/DataFolder.h"
 #include "framework/IniFile.h"
 #include "framework/SafeFile.h"
+#include "support/Files.h"
 
 #include <QDir>
 #include <QFile>

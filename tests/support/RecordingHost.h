@@ -22,8 +22,8 @@ public:
     std::vector<Message> messages;
     QStringList questions;
     QStringList stepTexts;
-    QStringList statusLog;   // "H:" herd panel, "S:" step panel, then the text, in order
-    QStringList progressLog; // "bar:position/maximum", in order
+    QStringList statusLog;                       // "H:" herd panel, "S:" step panel, then the text, in order
+    QStringList progressLog;                     // "bar:position/maximum", in order
     std::map<int, std::pair<int, int>> progress; // bar -> (position, maximum)
     bool answerYes = true;
     std::function<bool()> cancelWhen; // asked at every check of cancelRequested()

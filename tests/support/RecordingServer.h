@@ -14,7 +14,7 @@ class RecordingServer : public QObject {
 public:
     struct Request {
         QByteArray method;
-        QByteArray target; // path and query, as sent
+        QByteArray target;                     // path and query, as sent
         QHash<QByteArray, QByteArray> headers; // lower-case names
         QByteArray body;
     };
@@ -29,8 +29,7 @@ public:
               Break breaking = Break::None, QByteArray redirectTo = {})
             : status(code), body(std::move(answer)), delayMs(delay), reason(std::move(statusText)), broken(breaking),
               location(std::move(redirectTo))
-        {
-        }
+        {}
         int status;
         QByteArray body;
         int delayMs;

@@ -6,8 +6,7 @@
 
 using namespace Qt::StringLiterals;
 
-HalvarnSession::HalvarnSession(DataFolder folder, OperationHost& host)
-    : folder_(std::move(folder)), host_(host)
+HalvarnSession::HalvarnSession(DataFolder folder, OperationHost& host) : folder_(std::move(folder)), host_(host)
 {
     common = CommonSettings::read(folder_.commonSettingsFile());
 }

@@ -40,10 +40,8 @@ QByteArray DumpSessionJson(HalvarnSession& session, const std::vector<ShownMessa
     QJsonArray slots;
     for (int i = 0; i < HerdSlotCount; ++i) {
         const THerdSlot& slot = session.tables().HerdSlots[static_cast<std::size_t>(i)];
-        slots.append(QJsonObject{{u"slot"_s, i},
-                                 {u"code"_s, slot.Code},
-                                 {u"index"_s, slot.Index},
-                                 {u"visible"_s, slot.Visible}});
+        slots.append(QJsonObject{
+            {u"slot"_s, i}, {u"code"_s, slot.Code}, {u"index"_s, slot.Index}, {u"visible"_s, slot.Visible}});
     }
     QJsonObject tables;
     for (const Table* table : session.tables().all())

@@ -16,10 +16,8 @@ QString AsString(const FieldValue& v)
 
 qint32 AsInteger(const FieldValue& v)
 {
-    return std::visit(Overloaded{[](std::monostate) { return 0; },
-                                 [](const QString& s) { return s.trimmed().toInt(); },
-                                 [](qint32 i) { return i; },
-                                 [](const QDate&) { return 0; },
+    return std::visit(Overloaded{[](std::monostate) { return 0; }, [](const QString& s) { return s.trimmed().toInt(); },
+                                 [](qint32 i) { return i; }, [](const QDate&) { return 0; },
                                  [](bool b) { return b ? 1 : 0; }},
                       v);
 }
@@ -42,8 +40,7 @@ bool AsBoolean(const FieldValue& v)
 
 QString DisplayText(const FieldValue& v)
 {
-    return std::visit(Overloaded{[](std::monostate) { return QString(); },
-                                 [](const QString& s) { return s; },
+    return std::visit(Overloaded{[](std::monostate) { return QString(); }, [](const QString& s) { return s; },
                                  [](qint32 i) { return QString::number(i); },
                                  [](const QDate& d) { return d.toString(u"dd.MM.yyyy"); },
                                  [](bool b) { return b ? u"True"_s : u"False"_s; }},

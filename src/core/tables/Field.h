@@ -16,7 +16,10 @@ struct FieldDef {
 // A field never set holds std::monostate (null).
 using FieldValue = std::variant<std::monostate, QString, qint32, QDate, bool>;
 
-inline bool IsNull(const FieldValue& v) { return std::holds_alternative<std::monostate>(v); }
+inline bool IsNull(const FieldValue& v)
+{
+    return std::holds_alternative<std::monostate>(v);
+}
 
 QString AsString(const FieldValue& v);
 qint32 AsInteger(const FieldValue& v);

@@ -11,15 +11,11 @@ bool FitsType(FieldType type, const FieldValue& value)
 {
     switch (type) {
     case FieldType::String:
-    case FieldType::Memo:
-        return std::holds_alternative<QString>(value);
+    case FieldType::Memo: return std::holds_alternative<QString>(value);
     case FieldType::Int16:
-    case FieldType::Int32:
-        return std::holds_alternative<qint32>(value);
-    case FieldType::Date:
-        return std::holds_alternative<QDate>(value);
-    case FieldType::Boolean:
-        return std::holds_alternative<bool>(value);
+    case FieldType::Int32: return std::holds_alternative<qint32>(value);
+    case FieldType::Date: return std::holds_alternative<QDate>(value);
+    case FieldType::Boolean: return std::holds_alternative<bool>(value);
     }
     return false;
 }
@@ -178,8 +174,7 @@ FieldValue Table::fitted(int field, FieldValue value) const
     if (IsNull(value))
         return value;
     if (!FitsType(def.type, value))
-        throw TableError(u"Pole \"%1\" tabeli %2 nie przyjmuje tej wartości"_s
-                             .arg(def.name, name_));
+        throw TableError(u"Pole \"%1\" tabeli %2 nie przyjmuje tej wartości"_s.arg(def.name, name_));
     if (def.type == FieldType::String) {
         auto& text = std::get<QString>(value);
         if (text.size() > def.size)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/HalvarnError.h"
 #include "core/tables/Field.h"
+#include "framework/HalvarnError.h"
 
 #include <QAnyStringView>
 
@@ -69,7 +69,10 @@ public:
     void setValue(int field, FieldValue value);
     void setValue(QAnyStringView fieldName, FieldValue value) { setValue(requireField(fieldName), std::move(value)); }
 
-    const FieldValue& at(int row, int field) const { return rows_[static_cast<std::size_t>(row)][static_cast<std::size_t>(field)]; }
+    const FieldValue& at(int row, int field) const
+    {
+        return rows_[static_cast<std::size_t>(row)][static_cast<std::size_t>(field)];
+    }
 
     void setAfterPost(std::function<void(Table&)> handler) { afterPost_ = std::move(handler); }
     void addObserver(TableObserver* observer);
@@ -100,7 +103,7 @@ private:
     int current_ = -1;
     bool eof_ = true;
     State state_ = State::Browse;
-    std::vector<FieldValue> buffer_;                // the new row while inserting
+    std::vector<FieldValue> buffer_;                  // the new row while inserting
     std::vector<std::pair<int, FieldValue>> changes_; // the fields set while editing
     std::function<void(Table&)> afterPost_;
     std::vector<TableObserver*> observers_;

@@ -14,11 +14,16 @@ FieldDef Of(const char* name, FieldType type)
 std::vector<FieldDef> AnimalFields(AnimalLayout layout)
 {
     std::vector<FieldDef> fields{
-        Text("NumerIdentyfikacyjny", 20), Text("Plec", 10),
-        Of("DataUrodzenia", FieldType::Date), Of("Wiek", FieldType::Int32),
-        Text("TypUzytkowy", 20), Text("KierunekUzytkowania", 20),
-        Text("GdzieRozpatrzono", 100), Text("Rozpatrzono", 3),
-        Of("CzyMatka", FieldType::Int16), Text("STADO", 5),
+        Text("NumerIdentyfikacyjny", 20),
+        Text("Plec", 10),
+        Of("DataUrodzenia", FieldType::Date),
+        Of("Wiek", FieldType::Int32),
+        Text("TypUzytkowy", 20),
+        Text("KierunekUzytkowania", 20),
+        Text("GdzieRozpatrzono", 100),
+        Text("Rozpatrzono", 3),
+        Of("CzyMatka", FieldType::Int16),
+        Text("STADO", 5),
     };
     if (layout == AnimalLayout::Herd)
         return fields;
@@ -26,10 +31,15 @@ std::vector<FieldDef> AnimalFields(AnimalLayout layout)
     if (layout == AnimalLayout::Report)
         return fields;
     const std::vector<FieldDef> extended{
-        Of("DataPrzybycia", FieldType::Date), Of("DataWyrejestrowania", FieldType::Date),
-        Text("Rasa", 20), Text("RodzajDawczyni", 20), Text("RodzajDawcy", 20),
-        Text("NumerDzialalnosci", 20), Text("NumerIdentyfikacyjnyMatki", 20),
-        Text("NumerIdentyfikacyjnyDawczyni", 20), Text("NumerIdentyfikacyjnyDawcy", 20),
+        Of("DataPrzybycia", FieldType::Date),
+        Of("DataWyrejestrowania", FieldType::Date),
+        Text("Rasa", 20),
+        Text("RodzajDawczyni", 20),
+        Text("RodzajDawcy", 20),
+        Text("NumerDzialalnosci", 20),
+        Text("NumerIdentyfikacyjnyMatki", 20),
+        Text("NumerIdentyfikacyjnyDawczyni", 20),
+        Text("NumerIdentyfikacyjnyDawcy", 20),
         Text("IloscOznakowan", 20),
     };
     fields.insert(fields.end(), extended.begin(), extended.end());
@@ -38,10 +48,9 @@ std::vector<FieldDef> AnimalFields(AnimalLayout layout)
 
 std::vector<FieldDef> GroupFields()
 {
-    return {Of("ID", FieldType::Int32),      Text("GT", 50),
-            Text("ZakresWieku", 30),         Of("Ilosc", FieldType::Int32),
-            Of("IloscPom", FieldType::Int32), Text("IndDod", 100),
-            Text("STADO", 5)};
+    return {
+        Of("ID", FieldType::Int32),       Text("GT", 50),      Text("ZakresWieku", 30), Of("Ilosc", FieldType::Int32),
+        Of("IloscPom", FieldType::Int32), Text("IndDod", 100), Text("STADO", 5)};
 }
 
 std::vector<FieldDef> ProducerFields()
@@ -52,10 +61,15 @@ std::vector<FieldDef> ProducerFields()
 
 std::vector<FieldDef> UseChangeFields()
 {
-    return {Text("STADO", 5),      Text("NumerIdentyfikacyjny", 20),
-            Text("TU_OLD", 20),    Text("TU_NEW", 20),
-            Text("KU_OLD", 20),    Text("KU_NEW", 20),
-            Text("Komunikat", 100), Text("NumerDokumentu", 40),
-            Of("ST_KOD", FieldType::Int32), Text("ST_OPIS", 60),
+    return {Text("STADO", 5),
+            Text("NumerIdentyfikacyjny", 20),
+            Text("TU_OLD", 20),
+            Text("TU_NEW", 20),
+            Text("KU_OLD", 20),
+            Text("KU_NEW", 20),
+            Text("Komunikat", 100),
+            Text("NumerDokumentu", 40),
+            Of("ST_KOD", FieldType::Int32),
+            Text("ST_OPIS", 60),
             Of("BLEDY", FieldType::Memo)};
 }

@@ -14,10 +14,8 @@ WorkingTables::WorkingTables()
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
         const auto i = static_cast<std::size_t>(slot);
         animals_[i] = std::make_unique<Table>(u"mdRZ"_s + SlotSuffix(slot),
-                                              AnimalFields(slot == 0 ? AnimalLayout::Summary
-                                                                     : AnimalLayout::Herd));
-        groups_[i] = std::make_unique<Table>(u"mdGT"_s + SlotSuffix(slot), GroupFields(),
-                                             u"ID"_s);
+                                              AnimalFields(slot == 0 ? AnimalLayout::Summary : AnimalLayout::Herd));
+        groups_[i] = std::make_unique<Table>(u"mdGT"_s + SlotSuffix(slot), GroupFields(), u"ID"_s);
         animals_[i]->setReadOnly(slot != 0);
         groups_[i]->setReadOnly(true);
         HerdSlots[i].AnimalsTable = animals_[i].get();

@@ -16,9 +16,23 @@ constexpr quint16 DateXf = 16;
 constexpr quint16 DateFormat = 164;
 
 enum Record : quint16 {
-    Bof = 0x0809, Eof = 0x000A, Codepage = 0x0042, Window1 = 0x003D, Font = 0x0031, Format = 0x041E,
-    Xf = 0x00E0, Style = 0x0293, BoundSheet = 0x0085, Sst = 0x00FC, ExtSst = 0x00FF, Continue = 0x003C,
-    Dimensions = 0x0200, Window2 = 0x023E, LabelSst = 0x00FD, Number = 0x0203, BoolErr = 0x0205,
+    Bof = 0x0809,
+    Eof = 0x000A,
+    Codepage = 0x0042,
+    Window1 = 0x003D,
+    Font = 0x0031,
+    Format = 0x041E,
+    Xf = 0x00E0,
+    Style = 0x0293,
+    BoundSheet = 0x0085,
+    Sst = 0x00FC,
+    ExtSst = 0x00FF,
+    Continue = 0x003C,
+    Dimensions = 0x0200,
+    Window2 = 0x023E,
+    LabelSst = 0x00FD,
+    Number = 0x0203,
+    BoolErr = 0x0205,
 };
 
 void Put(QByteArray& out, quint16 type, const QByteArray& data)
@@ -69,7 +83,7 @@ QByteArray FontData()
 QByteArray XfData(quint16 format, bool style)
 {
     QByteArray data;
-    PutU16(data, 0);      // font
+    PutU16(data, 0); // font
     PutU16(data, format);
     PutU16(data, style ? 0xFFF5 : 0x0001);
     data.append(static_cast<char>(0x20)); // bottom aligned

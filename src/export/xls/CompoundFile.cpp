@@ -32,9 +32,10 @@ Layout Plan(qsizetype streamSize)
     layout.directorySector = layout.streamSectors;
     while (layout.fatSectors * EntriesPerSector < layout.total()) {
         ++layout.fatSectors;
-        layout.difatSectors = layout.fatSectors > HeaderDifatEntries
-                                  ? (layout.fatSectors - HeaderDifatEntries + EntriesPerSector - 2) / (EntriesPerSector - 1)
-                                  : 0;
+        layout.difatSectors =
+            layout.fatSectors > HeaderDifatEntries
+                ? (layout.fatSectors - HeaderDifatEntries + EntriesPerSector - 2) / (EntriesPerSector - 1)
+                : 0;
     }
     return layout;
 }

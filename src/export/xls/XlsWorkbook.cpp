@@ -15,11 +15,11 @@ constexpr int MaxSheetName = 31;
 void XlsWorksheet::put(int row, int col, Kind kind, double value)
 {
     if (row < 1 || row > MaxRows)
-        throw XlsError(u"Arkusz \"%1\": wiersz %2 poza zakresem formatu XLS (1–%3)."_s
-                           .arg(name_).arg(row).arg(MaxRows));
+        throw XlsError(
+            u"Arkusz \"%1\": wiersz %2 poza zakresem formatu XLS (1–%3)."_s.arg(name_).arg(row).arg(MaxRows));
     if (col < 1 || col > MaxColumns)
-        throw XlsError(u"Arkusz \"%1\": kolumna %2 poza zakresem formatu XLS (1–%3)."_s
-                           .arg(name_).arg(col).arg(MaxColumns));
+        throw XlsError(
+            u"Arkusz \"%1\": kolumna %2 poza zakresem formatu XLS (1–%3)."_s.arg(name_).arg(col).arg(MaxColumns));
     cells_.push_back({static_cast<quint16>(row - 1), static_cast<quint16>(col - 1), kind, value});
 }
 
@@ -27,8 +27,11 @@ void XlsWorksheet::setText(int row, int col, const QString& text)
 {
     if (text.size() > MaxCellText)
         throw XlsError(u"Arkusz \"%1\", wiersz %2, kolumna %3: tekst ma %4 znaków, a komórka XLS "
-                                         u"mieści najwyżej %5."_s
-                           .arg(name_).arg(row).arg(col).arg(text.size()).arg(MaxCellText));
+                       u"mieści najwyżej %5."_s.arg(name_)
+                           .arg(row)
+                           .arg(col)
+                           .arg(text.size())
+                           .arg(MaxCellText));
     put(row, col, Kind::Text, static_cast<double>(texts_.size()));
     texts_.push_back(text);
 }
@@ -51,9 +54,8 @@ void XlsWorksheet::setBool(int row, int col, bool value)
 std::vector<XlsWorksheet::Cell> XlsWorksheet::sortedCells() const
 {
     std::vector<Cell> cells = cells_;
-    std::stable_sort(cells.begin(), cells.end(), [](const Cell& a, const Cell& b) {
-        return a.row != b.row ? a.row < b.row : a.col < b.col;
-    });
+    std::stable_sort(cells.begin(), cells.end(),
+                     [](const Cell& a, const Cell& b) { return a.row != b.row ? a.row < b.row : a.col < b.col; });
     // Of cells set more than once the last one stands.
     std::vector<Cell> unique;
     unique.reserve(cells.size());
@@ -76,8 +78,7 @@ XlsWorksheet& XlsWorkbook::addSheet(const QString& name)
     if (cut.isEmpty())
         throw XlsError(u"Arkusz musi mieć nazwę."_s);
     if (cut.startsWith(u'\'') || cut.endsWith(u'\''))
-        throw XlsError(
-            u"Nazwa arkusza \"%1\" nie może zaczynać się ani kończyć apostrofem."_s.arg(cut));
+        throw XlsError(u"Nazwa arkusza \"%1\" nie może zaczynać się ani kończyć apostrofem."_s.arg(cut));
     for (const XlsWorksheet& sheet : sheets_)
         if (sheet.name().compare(cut, Qt::CaseInsensitive) == 0)
             throw XlsError(u"Arkusz o nazwie \"%1\" już istnieje."_s.arg(cut));

@@ -37,8 +37,7 @@ AgeLimitFamily CowCalfWelfare()
     return {
         Row("Halvarn krów mamek - Opasy do 300kg", "HalvKrowMamekGrp_Opasy_Do_300KG", None, DisplayOnly),
         Row("Halvarn krów mamek - Cielęta do 150kg", "HalvKrowMamekGrp_Cieleta_Do_150KG", None, Key),
-        Row("Halvarn krów mamek - Cieleta od 150kg do 220kg", "HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG", Key,
-            Key),
+        Row("Halvarn krów mamek - Cieleta od 150kg do 220kg", "HalvKrowMamekGrp_Cieleta_Od_150KG_Do_220KG", Key, Key),
         Row("Halvarn krów mamek - Cieleta powyżej 220kg", "HalvKrowMamekGrp_Cieleta_Ponad_220KG", Key, None),
     };
 }

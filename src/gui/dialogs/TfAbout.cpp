@@ -44,8 +44,7 @@ TfAbout::TfAbout(const QString& settingsFile, QWidget* parent) : QDialog(parent)
     setObjectName(u"TfAbout"_s);
     setWindowTitle(u"O programie"_s);
 
-    QLabel* support =
-        NamedLabel(u"Pomoc techniczna: "_s + supportEmail(settingsFile), "lblPomocTechniczna");
+    QLabel* support = NamedLabel(u"Pomoc techniczna: "_s + supportEmail(settingsFile), "lblPomocTechniczna");
     support->setTextInteractionFlags(Qt::TextSelectableByMouse);
     QLabel* version = NamedLabel(u"Wersja: "_s + QCoreApplication::applicationVersion(), "lblWersja");
 
@@ -62,8 +61,7 @@ TfAbout::TfAbout(const QString& settingsFile, QWidget* parent) : QDialog(parent)
 QString TfAbout::supportEmail(const QString& settingsFile)
 {
     const QString fallback = u"pomoc@fernhill.pl"_s;
-    const QString configured =
-        IniFile(settingsFile).readString(u"POMOC"_s, u"Email"_s, fallback);
+    const QString configured = IniFile(settingsFile).readString(u"POMOC"_s, u"Email"_s, fallback);
     return configured.isEmpty() ? fallback : configured;
 }
 

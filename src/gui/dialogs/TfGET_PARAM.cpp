@@ -1,10 +1,10 @@
 #include "gui/dialogs/TfGET_PARAM.h"
 
 #include "analysis/AgeLimits.h"
-#include "gui/dialogs/AgeLimitsPanel.h"
-#include "gui/dialogs/DialogParts.h"
 #include "framework/IniFile.h"
 #include "framework/SafeFile.h"
+#include "gui/dialogs/AgeLimitsPanel.h"
+#include "gui/dialogs/DialogParts.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
@@ -106,22 +106,19 @@ bool TfGET_PARAM::save()
         ini.writeString(PathsSection(), CsvKey(), csvEdit_->text());
         return true;
     } catch (const FileWriteError& error) {
-        errorReport_(this, u"Błąd..."_s,
-                     u"Nie zapisano parametrów.\n%1"_s.arg(error.message()));
+        errorReport_(this, u"Błąd..."_s, u"Nie zapisano parametrów.\n%1"_s.arg(error.message()));
         return false;
     }
 }
 
 void TfGET_PARAM::restoreDefaults()
 {
-    if (!question_(this, u"Pytanie"_s,
-                   u"Czy przywrócić wartości domyślne? Nie będzie można cofnąć przywrócenia. "_s))
+    if (!question_(this, u"Pytanie"_s, u"Czy przywrócić wartości domyślne? Nie będzie można cofnąć przywrócenia. "_s))
         return;
     try {
         IniFile(settingsFile_).eraseSection(AgeLimitsSection());
     } catch (const FileWriteError& error) {
-        errorReport_(this, u"Błąd..."_s,
-                     u"Nie przywrócono wartości domyślnych.\n%1"_s.arg(error.message()));
+        errorReport_(this, u"Błąd..."_s, u"Nie przywrócono wartości domyślnych.\n%1"_s.arg(error.message()));
         return;
     }
     load();

@@ -43,8 +43,8 @@ std::vector<GridColumn> AnimalColumns(std::initializer_list<const char*> fields)
 
 std::vector<GridColumn> HerdAnimalColumns()
 {
-    return AnimalColumns({"NumerIdentyfikacyjny", "Plec", "DataUrodzenia", "Wiek", "TypUzytkowy",
-                          "KierunekUzytkowania", "Rozpatrzono", "CzyMatka", "GdzieRozpatrzono"});
+    return AnimalColumns({"NumerIdentyfikacyjny", "Plec", "DataUrodzenia", "Wiek", "TypUzytkowy", "KierunekUzytkowania",
+                          "Rozpatrzono", "CzyMatka", "GdzieRozpatrzono"});
 }
 
 std::vector<GridColumn> GroupColumns()
@@ -55,8 +55,8 @@ std::vector<GridColumn> GroupColumns()
 
 std::vector<GridColumn> SummaryColumns()
 {
-    return AnimalColumns({"ZAZNACZONE", "STADO", "NumerIdentyfikacyjny", "Plec", "DataUrodzenia", "Wiek",
-                          "TypUzytkowy", "KierunekUzytkowania", "Rozpatrzono", "GdzieRozpatrzono", "CzyMatka"});
+    return AnimalColumns({"ZAZNACZONE", "STADO", "NumerIdentyfikacyjny", "Plec", "DataUrodzenia", "Wiek", "TypUzytkowy",
+                          "KierunekUzytkowania", "Rozpatrzono", "GdzieRozpatrzono", "CzyMatka"});
 }
 
 std::vector<GridColumn> ColumnsFor(GridKind kind)

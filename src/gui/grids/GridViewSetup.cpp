@@ -1,7 +1,7 @@
 #include "gui/grids/GridViewSetup.h"
 
-#include "gui/grids/WidestValue.h"
 #include "core/tables/Table.h"
+#include "gui/grids/WidestValue.h"
 
 #include <QAbstractItemView>
 #include <QHeaderView>
@@ -15,14 +15,9 @@ namespace {
 int TypicalCharacters(const QString& field)
 {
     static const QHash<QString, int> widths{
-        {u"ZAZNACZONE"_s, 3},
-        {u"NumerIdentyfikacyjny"_s, 16},
-        {u"DataUrodzenia"_s, 10},
-        {u"TypUzytkowy"_s, 14},
-        {u"KierunekUzytkowania"_s, 14},
-        {u"GdzieRozpatrzono"_s, 28},
-        {u"GT"_s, 31},
-        {u"ZakresWieku"_s, 17},
+        {u"ZAZNACZONE"_s, 3},   {u"NumerIdentyfikacyjny"_s, 16}, {u"DataUrodzenia"_s, 10},
+        {u"TypUzytkowy"_s, 14}, {u"KierunekUzytkowania"_s, 14},  {u"GdzieRozpatrzono"_s, 28},
+        {u"GT"_s, 31},          {u"ZakresWieku"_s, 17},
     };
     return widths.value(field, 6);
 }

@@ -256,9 +256,8 @@ QString SummaryGrid::filterDescription() const
         for (const QString& text : texts)
             labels.append(ValueLabel(fieldName(field), text));
         const int column = ColumnOfField(model_->columns(), fieldName(field));
-        parts.emplace_back(
-            column < 0 ? std::numeric_limits<int>::max() : column,
-            u"%1 = %2"_s.arg(model_->captionOfField(field), labels.join(u" lub "_s)));
+        parts.emplace_back(column < 0 ? std::numeric_limits<int>::max() : column,
+                           u"%1 = %2"_s.arg(model_->captionOfField(field), labels.join(u" lub "_s)));
     }
     if (parts.empty())
         return {};
@@ -305,8 +304,7 @@ void SummaryGrid::showHeaderMenu(const QPoint& position)
     menu.addAction(u"Bez sortowania"_s, this, [this] { sortByField({}, Qt::AscendingOrder); });
     menu.addSeparator();
     menu.addAction(u"Grupuj według tej kolumny"_s, this, [this, field] { groupByField(field); });
-    menu.addAction(u"Bez grupowania"_s, this, [this] { groupByField({}); })
-        ->setEnabled(model_->layout().isGrouped());
+    menu.addAction(u"Bez grupowania"_s, this, [this] { groupByField({}); })->setEnabled(model_->layout().isGrouped());
     menu.addSeparator();
     // The list pops up once the menu has closed.
     menu.addAction(u"Filtruj…"_s, this, [this, field] {

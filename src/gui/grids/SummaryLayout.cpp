@@ -5,8 +5,7 @@
 #include <algorithm>
 
 SummaryLayout::SummaryLayout(const Table& table) : table_(table), collator_(QLocale(QLocale::Polish, QLocale::Poland))
-{
-}
+{}
 
 void SummaryLayout::setFilter(int field, const QStringList& acceptedTexts)
 {

@@ -218,18 +218,13 @@ QVariant SummaryModel::recordData(int record, int column, int role) const
 {
     const FieldValue& value = table_.at(record, fields_[static_cast<std::size_t>(column)]);
     switch (role) {
-    case Qt::DisplayRole:
-        return column == markColumn_ ? QVariant() : QVariant(DisplayText(value));
+    case Qt::DisplayRole: return column == markColumn_ ? QVariant() : QVariant(DisplayText(value));
     case Qt::CheckStateRole:
         return column == markColumn_ ? QVariant(AsBoolean(value) ? Qt::Checked : Qt::Unchecked) : QVariant();
-    case Qt::TextAlignmentRole:
-        return static_cast<int>(columns_[static_cast<std::size_t>(column)].alignment);
-    case Qt::ForegroundRole:
-        return isMarked(record) ? QColor(255, 0, 0) : QColor(Qt::black);
-    case Qt::FontRole:
-        return isMarked(record) ? QVariant(markedFont()) : QVariant();
-    default:
-        return {};
+    case Qt::TextAlignmentRole: return static_cast<int>(columns_[static_cast<std::size_t>(column)].alignment);
+    case Qt::ForegroundRole: return isMarked(record) ? QColor(255, 0, 0) : QColor(Qt::black);
+    case Qt::FontRole: return isMarked(record) ? QVariant(markedFont()) : QVariant();
+    default: return {};
     }
 }
 

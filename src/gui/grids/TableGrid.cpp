@@ -64,8 +64,8 @@ QSize TableGrid::minimumSizeHint() const
     const QSize least = QWidget::minimumSizeHint();
     if (kind_ != GridKind::Groups)
         return least;
-    const int whole = view_->horizontalHeader()->length() + 2 * view_->frameWidth() +
-                      view_->verticalScrollBar()->sizeHint().width();
+    const int whole =
+        view_->horizontalHeader()->length() + 2 * view_->frameWidth() + view_->verticalScrollBar()->sizeHint().width();
     return {std::max(least.width(), whole), least.height()};
 }
 

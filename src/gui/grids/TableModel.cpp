@@ -30,28 +30,20 @@ QVariant TableModel::data(const QModelIndex& index, int role) const
         return {};
     const auto column = static_cast<std::size_t>(index.column());
     switch (role) {
-    case Qt::DisplayRole:
-        return DisplayText(table_.at(index.row(), fields_[column]));
-    case Qt::TextAlignmentRole:
-        return static_cast<int>(columns_[column].alignment);
-    default:
-        return {};
+    case Qt::DisplayRole: return DisplayText(table_.at(index.row(), fields_[column]));
+    case Qt::TextAlignmentRole: return static_cast<int>(columns_[column].alignment);
+    default: return {};
     }
 }
 
 QVariant ColumnHeaderData(const GridColumn& column, int role)
 {
     switch (role) {
-    case Qt::DisplayRole:
-        return column.caption;
-    case ColumnObjectNameRole:
-        return column.objectName;
-    case Qt::TextAlignmentRole:
-        return static_cast<int>(column.alignment);
-    case Qt::InitialSortOrderRole:
-        return static_cast<int>(Qt::AscendingOrder);
-    default:
-        return {};
+    case Qt::DisplayRole: return column.caption;
+    case ColumnObjectNameRole: return column.objectName;
+    case Qt::TextAlignmentRole: return static_cast<int>(column.alignment);
+    case Qt::InitialSortOrderRole: return static_cast<int>(Qt::AscendingOrder);
+    default: return {};
     }
 }
 

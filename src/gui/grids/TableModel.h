@@ -1,7 +1,7 @@
 #pragma once
 
-#include "gui/grids/GridColumns.h"
 #include "core/tables/Table.h"
+#include "gui/grids/GridColumns.h"
 
 #include <QAbstractTableModel>
 

@@ -21,11 +21,10 @@ int DigitCount(qint64 number)
 } // namespace
 
 WidestValue::WidestValue(const QFontMetrics& metrics)
-    : metrics_(metrics), digit_(WidestDigit(metrics)),
-      dateWidth_(8 * digit_ + 2 * metrics.horizontalAdvance(u'.')),
-      booleanWidth_(std::max(metrics.horizontalAdvance(DisplayText(true)), metrics.horizontalAdvance(DisplayText(false))))
-{
-}
+    : metrics_(metrics), digit_(WidestDigit(metrics)), dateWidth_(8 * digit_ + 2 * metrics.horizontalAdvance(u'.')),
+      booleanWidth_(
+          std::max(metrics.horizontalAdvance(DisplayText(true)), metrics.horizontalAdvance(DisplayText(false))))
+{}
 
 void WidestValue::add(const FieldValue& value)
 {

@@ -1,15 +1,15 @@
 #include "gui/window/TfHalvarnMain.h"
 
+#include "core/session/HalvarnSession.h"
+#include "export/ExportCommands.h"
+#include "gui/dialogs/TfAbout.h"
+#include "gui/dialogs/TfGET_PARAM.h"
 #include "gui/grids/SummaryGrid.h"
 #include "gui/grids/TableGrid.h"
-#include "core/session/HalvarnSession.h"
 #include "gui/window/DateField.h"
 #include "gui/window/StatusDisplay.h"
 #include "gui/window/UserDialogs.h"
 #include "gui/window/WindowHost.h"
-#include "export/ExportCommands.h"
-#include "gui/dialogs/TfAbout.h"
-#include "gui/dialogs/TfGET_PARAM.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 
 #include <QAction>
@@ -60,7 +60,8 @@ QString PlaceholderCaption(int slot)
 
 TfHalvarnMain::TfHalvarnMain(DataFolder folder, RegistryConfig registry, std::unique_ptr<UserDialogs> dialogs,
                              QWidget* parent)
-    : QMainWindow(parent), folder_(std::move(folder)), dialogs_(std::move(dialogs)), registryConfig_(std::move(registry))
+    : QMainWindow(parent), folder_(std::move(folder)), dialogs_(std::move(dialogs)),
+      registryConfig_(std::move(registry))
 {
     setObjectName(u"fHalvarnMain"_s);
     setWindowTitle(u"Fernhill Halvarn Bydła"_s);
@@ -86,8 +87,9 @@ TfHalvarnMain::TfHalvarnMain(DataFolder folder, RegistryConfig registry, std::un
     buildStatusBar();
     // The tabs follow the herd slots at every change of the status mode, so the
     // clearing that starts a download hides the old herds before the first request.
-    host_->attach({status_, mErrors, mLoaded, lcErrors}, [this] { return summaryGrid_->rowsInDisplayOrder(); },
-                  [this] { showHerdTabs(); });
+    host_->attach(
+        {status_, mErrors, mLoaded, lcErrors}, [this] { return summaryGrid_->rowsInDisplayOrder(); },
+        [this] { showHerdTabs(); });
     connectCommands();
 
     readInputs();

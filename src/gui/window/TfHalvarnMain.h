@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/tables/WorkingTables.h"
-#include "gui/window/UserDialogs.h"
 #include "framework/DataFolder.h"
+#include "gui/window/UserDialogs.h"
 #include "registry/client/RegistryConfig.h"
 
 #include <QMainWindow>

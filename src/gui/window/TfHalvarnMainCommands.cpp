@@ -1,11 +1,11 @@
 // The commands of the main window: each reads the fields, runs the core's
 // operation with the window as its host and shows the result.
 #include "core/session/HalvarnSession.h"
+#include "export/ExportCommands.h"
 #include "gui/window/DateField.h"
 #include "gui/window/TfHalvarnMain.h"
 #include "gui/window/UserDialogs.h"
 #include "gui/window/WindowHost.h"
-#include "export/ExportCommands.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
 

@@ -14,14 +14,10 @@ namespace {
 QMessageBox::Icon BoxIcon(MessageIcon icon)
 {
     switch (icon) {
-    case MessageIcon::Information:
-        return QMessageBox::Information;
-    case MessageIcon::Warning:
-        return QMessageBox::Warning;
-    case MessageIcon::Error:
-        return QMessageBox::Critical;
-    case MessageIcon::Question:
-        return QMessageBox::Question;
+    case MessageIcon::Information: return QMessageBox::Information;
+    case MessageIcon::Warning: return QMessageBox::Warning;
+    case MessageIcon::Error: return QMessageBox::Critical;
+    case MessageIcon::Question: return QMessageBox::Question;
     }
     return QMessageBox::NoIcon;
 }
@@ -52,6 +48,5 @@ std::optional<QString> ModalDialogs::herd()
 void ModalDialogs::openFile(const QString& path)
 {
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        message(u"Błąd..."_s, u"Nie można otworzyć pliku: "_s + path,
-                MessageIcon::Error);
+        message(u"Błąd..."_s, u"Nie można otworzyć pliku: "_s + path, MessageIcon::Error);
 }

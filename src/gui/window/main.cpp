@@ -1,6 +1,6 @@
+#include "framework/IniFile.h"
 #include "gui/window/ApplicationSetup.h"
 #include "gui/window/TfHalvarnMain.h"
-#include "framework/IniFile.h"
 #include "registry/sim/RegistrySimulator.h"
 
 #include <QApplication>
@@ -23,10 +23,8 @@ WindowOptions ParseOptions(const QApplication& app)
     parser.setApplicationDescription(u"Halvarn – grupy technologiczne bydła z rejestru IRZplus"_s);
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption demo(u"demo"_s,
-                                  u"wbudowany symulator rejestru z producentem demonstracyjnym"_s);
-    const QCommandLineOption dataDir(u"data-dir"_s, u"folder danych programu"_s,
-                                     u"DIR"_s);
+    const QCommandLineOption demo(u"demo"_s, u"wbudowany symulator rejestru z producentem demonstracyjnym"_s);
+    const QCommandLineOption dataDir(u"data-dir"_s, u"folder danych programu"_s, u"DIR"_s);
     parser.addOptions({demo, dataDir});
     parser.process(app);
     return {parser.isSet(demo), parser.value(dataDir)};

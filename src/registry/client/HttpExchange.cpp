@@ -13,7 +13,6 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr int CancelPollMs = 50;
 
-
 bool SameOrigin(const QUrl& a, const QUrl& b)
 {
     return a.scheme() == b.scheme() && a.host().compare(b.host(), Qt::CaseInsensitive) == 0 &&
@@ -30,23 +29,17 @@ bool OnlyAnHttpStatus(QNetworkReply::NetworkError error, int status)
 QString TransportWords(QNetworkReply::NetworkError error)
 {
     switch (error) {
-    case QNetworkReply::TimeoutError:
-        return u"Przekroczono czas oczekiwania na odpowiedź serwera"_s;
+    case QNetworkReply::TimeoutError: return u"Przekroczono czas oczekiwania na odpowiedź serwera"_s;
     case QNetworkReply::RemoteHostClosedError:
-    case QNetworkReply::OperationCanceledError:
-        return u"Połączenie zostało przerwane"_s;
-    case QNetworkReply::SslHandshakeFailedError:
-        return u"Nie udało się nawiązać bezpiecznego połączenia z serwerem"_s;
-    case QNetworkReply::TooManyRedirectsError:
-        return u"Serwer przekierowuje zapytanie zbyt wiele razy"_s;
-    case QNetworkReply::InsecureRedirectError:
-        return u"Serwer przekierował zapytanie pod niedozwolony adres"_s;
+    case QNetworkReply::OperationCanceledError: return u"Połączenie zostało przerwane"_s;
+    case QNetworkReply::SslHandshakeFailedError: return u"Nie udało się nawiązać bezpiecznego połączenia z serwerem"_s;
+    case QNetworkReply::TooManyRedirectsError: return u"Serwer przekierowuje zapytanie zbyt wiele razy"_s;
+    case QNetworkReply::InsecureRedirectError: return u"Serwer przekierował zapytanie pod niedozwolony adres"_s;
     case QNetworkReply::ConnectionRefusedError:
     case QNetworkReply::HostNotFoundError:
     case QNetworkReply::TemporaryNetworkFailureError:
     case QNetworkReply::NetworkSessionFailedError:
-    case QNetworkReply::UnknownNetworkError:
-        return u"Brak połączenia z serwerem"_s;
+    case QNetworkReply::UnknownNetworkError: return u"Brak połączenia z serwerem"_s;
     default:
         return error < QNetworkReply::ContentAccessDenied ? u"Brak połączenia z serwerem"_s
                                                           : u"Błąd komunikacji z serwerem"_s;
@@ -81,8 +74,8 @@ QString RegistryMessageIn(const QByteArray& body)
     return messages.join(u"; "_s);
 }
 
-HttpExchange::HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRequest request,
-                           const QByteArray& body, ExchangeRules rules)
+HttpExchange::HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRequest request, const QByteArray& body,
+                           ExchangeRules rules)
     : timer_(std::make_unique<QTimer>()), rules_(std::move(rules)), origin_(request.url())
 {
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
@@ -226,21 +219,18 @@ QString HttpExchange::failureText() const
 {
     const QString address = reply_->url().toString(QUrl::RemoveUserInfo | QUrl::RemoveQuery);
     switch (abort_) {
-    case Abort::Cancelled:
-        return u"Przerwano na żądanie użytkownika"_s;
+    case Abort::Cancelled: return u"Przerwano na żądanie użytkownika"_s;
     case Abort::TimedOut:
-        return u"Przekroczono czas oczekiwania na odpowiedź serwera (%1 s): %2"_s
-            .arg(rules_.timeoutMs / 1000.0)
+        return u"Przekroczono czas oczekiwania na odpowiedź serwera (%1 s): %2"_s.arg(rules_.timeoutMs / 1000.0)
             .arg(address);
     case Abort::TooLarge:
         return u"Odpowiedź serwera przekracza dopuszczalny rozmiar %1 MB: %2"_s
             .arg(static_cast<double>(rules_.maxAnswerBytes) / (1 << 20))
             .arg(address);
     case Abort::RedirectRefused:
-        return u"Serwer przekierował zapytanie pod inny adres (%1); nie wysłano tam danych logowania"_s
-            .arg(refusedTarget_);
-    case Abort::None:
-        break;
+        return u"Serwer przekierował zapytanie pod inny adres (%1); nie wysłano tam danych logowania"_s.arg(
+            refusedTarget_);
+    case Abort::None: break;
     }
     return TransportWords(reply_->error()) + u" (%1): %2"_s.arg(reply_->errorString(), address);
 }

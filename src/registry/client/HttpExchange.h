@@ -41,10 +41,10 @@ struct ExchangeRules {
 
 // The outcome of one request once it has finished.
 struct HttpResult {
-    int status = 0;          // HTTP status, 0 when none came
-    QString statusLine;      // "HTTP/1.1 500 Internal Server Error"
+    int status = 0;     // HTTP status, 0 when none came
+    QString statusLine; // "HTTP/1.1 500 Internal Server Error"
     QByteArray body;
-    QString failure;         // set when no whole answer came, in words for the user
+    QString failure; // set when no whole answer came, in words for the user
     bool cancelled = false;
 
     bool httpError() const { return failure.isEmpty() && status >= 400; }

@@ -17,7 +17,6 @@ QString DateText(TDateTime value)
     return ToDate(value).toString(u"yyyy-MM-dd");
 }
 
-
 // The registry's own words first, when its error answer has them.
 QString StatusAndMessage(const HttpResult& result)
 {
@@ -212,9 +211,8 @@ QString TdmIRZ_PLUS::ListAnimals(const QString& producerNumber, const QString& h
 
 QString TdmIRZ_PLUS::animalUrl(const QString& producerNumber, const QString& animalNumber, bool testBranch) const
 {
-    return apiUrl(u"/api/indywidualne/zwierze/api/%1/zwierzeIndywidualne"_s, testBranch) +
-           u"?numerProducenta="_s + producerNumber + u"&numerIdentyfikacyjnyZwierzecia="_s +
-           animalNumber;
+    return apiUrl(u"/api/indywidualne/zwierze/api/%1/zwierzeIndywidualne"_s, testBranch) + u"?numerProducenta="_s +
+           producerNumber + u"&numerIdentyfikacyjnyZwierzecia="_s + animalNumber;
 }
 
 QString TdmIRZ_PLUS::GetAnimal(const QString& producerNumber, const QString& animalNumber, bool testBranch)
@@ -237,8 +235,8 @@ QString TdmIRZ_PLUS::ListDocuments(const QString& producerNumber, const QString&
 
 QString TdmIRZ_PLUS::SubmitUseChange(const QString& producerNumber, const QString& organisationalUnit,
                                      const QString& holdingNumber, const QString& species, TDateTime date,
-                                     const QString& animalNumber, const QString& useType,
-                                     const QString& useDirection, bool testBranch)
+                                     const QString& animalNumber, const QString& useType, const QString& useDirection,
+                                     bool testBranch)
 {
     const QString kod = u"kod"_s;
     OrderedJson position;
@@ -249,8 +247,8 @@ QString TdmIRZ_PLUS::SubmitUseChange(const QString& producerNumber, const QStrin
     if (!useDirection.isEmpty())
         position.add(u"kierunekUzytkowy"_s, OrderedJson().add(kod, useDirection));
     const QString reason = !useType.isEmpty() && !useDirection.isEmpty() ? u"ZTK"_s
-                           : !useType.isEmpty()                         ? u"ZTU"_s
-                                                                        : u"ZKU"_s;
+                           : !useType.isEmpty()                          ? u"ZTU"_s
+                                                                         : u"ZKU"_s;
     position.add(u"celZmiany"_s, OrderedJson().add(kod, reason));
 
     OrderedJson notice;
@@ -274,8 +272,7 @@ TdmIRZ_PLUS::AnimalQueue TdmIRZ_PLUS::animalQueue(const QString& producerNumber,
 
 TdmIRZ_PLUS::AnimalQueue::AnimalQueue(TdmIRZ_PLUS& client, QString producerNumber, QStringList animals, bool test)
     : client_(client), producerNumber_(std::move(producerNumber)), animals_(std::move(animals)), test_(test)
-{
-}
+{}
 
 void TdmIRZ_PLUS::AnimalQueue::fill()
 {

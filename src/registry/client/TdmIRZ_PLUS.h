@@ -34,8 +34,8 @@ public:
     QString ListHoldings(const QString& producerNumber, const QString& holdingNumber, const QString& holdingType,
                          const QString& holdingState, bool test);
     QString ListAnimals(const QString& producerNumber, const QString& holdingNumber, const QString& species,
-                        const QString& animalNumber, const QString& sex, const QString& breed,
-                        const QString& useType, TDateTime stateDate, bool test);
+                        const QString& animalNumber, const QString& sex, const QString& breed, const QString& useType,
+                        TDateTime stateDate, bool test);
     QString GetAnimal(const QString& producerNumber, const QString& animalNumber, bool test);
     QString ListDocuments(const QString& producerNumber, const QString& documentNumber, TDateTime dateFrom,
                           TDateTime dateTo, bool test);

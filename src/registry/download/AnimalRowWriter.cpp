@@ -11,12 +11,19 @@ template <std::size_t N> std::array<int, N> FieldIndices(const Table& table, con
     return indices;
 }
 
-const std::array<const char*, 8> CommonNames{"NumerIdentyfikacyjny", "Plec",     "DataUrodzenia", "Wiek",
-                                             "TypUzytkowy",          "KierunekUzytkowania", "CzyMatka", "STADO"};
-const std::array<const char*, 11> ExtendedNames{
-    "ZAZNACZONE",        "DataPrzybycia",        "DataWyrejestrowania",       "Rasa",
-    "RodzajDawczyni",    "RodzajDawcy",          "NumerDzialalnosci",         "NumerIdentyfikacyjnyMatki",
-    "NumerIdentyfikacyjnyDawczyni", "NumerIdentyfikacyjnyDawcy", "IloscOznakowan"};
+const std::array<const char*, 8> CommonNames{"NumerIdentyfikacyjny", "Plec",     "DataUrodzenia", "Wiek", "TypUzytkowy",
+                                             "KierunekUzytkowania",  "CzyMatka", "STADO"};
+const std::array<const char*, 11> ExtendedNames{"ZAZNACZONE",
+                                                "DataPrzybycia",
+                                                "DataWyrejestrowania",
+                                                "Rasa",
+                                                "RodzajDawczyni",
+                                                "RodzajDawcy",
+                                                "NumerDzialalnosci",
+                                                "NumerIdentyfikacyjnyMatki",
+                                                "NumerIdentyfikacyjnyDawczyni",
+                                                "NumerIdentyfikacyjnyDawcy",
+                                                "IloscOznakowan"};
 
 void SetDate(Table& table, int field, TDateTime value)
 {
@@ -29,8 +36,7 @@ AnimalRowWriter::AnimalRowWriter(WorkingTables& tables)
     : tables_(tables), summaryFields_(FieldIndices(tables.mdRZ00(), CommonNames)),
       herdFields_(FieldIndices(tables.mdRZ(1), CommonNames)),
       extendedFields_(FieldIndices(tables.mdRZ00(), ExtendedNames))
-{
-}
+{}
 
 void AnimalRowWriter::write(const TZZIInfoClass& animal, bool czyMatka, int age, const QString& herdCode, int slot)
 {

@@ -19,8 +19,18 @@ public:
 private:
     enum Common { Number, Sex, Birth, Age, UseType, UseDirection, Mother, Herd, CommonCount };
     enum Extended {
-        Marked, Arrival, Deregistration, Breed, DonorFemaleKind, DonorMaleKind, Holding, MotherNumber,
-        DonorFemaleNumber, DonorMaleNumber, EarTags, ExtendedCount
+        Marked,
+        Arrival,
+        Deregistration,
+        Breed,
+        DonorFemaleKind,
+        DonorMaleKind,
+        Holding,
+        MotherNumber,
+        DonorFemaleNumber,
+        DonorMaleNumber,
+        EarTags,
+        ExtendedCount
     };
     using CommonFields = std::array<int, CommonCount>;
 

@@ -20,7 +20,6 @@ using namespace Qt::StringLiterals;
 namespace {
 const char* const ActiveHerdState = "SDZA";
 
-
 QString ErrorCaption()
 {
     return u"Błąd..."_s;
@@ -78,8 +77,7 @@ int FindAgeInList(const OwningList<TZZIInfoClass>& list, const QString& number, 
 
 DownloadCommand::DownloadCommand(HalvarnSession& session, TdmIRZ_PLUS& registry)
     : session_(session), registry_(registry)
-{
-}
+{}
 
 DownloadOutcome DownloadCommand::run()
 {
@@ -227,8 +225,8 @@ bool DownloadCommand::claimSlot(const HerdRead& herd)
         return true;
     }
     ++incompleteHerds_;
-    session_.appendError(u"Stado %1 (działalność %2) pominięte: ten sam numer stada ma działalność %3"_s
-                             .arg(herd.code, herd.number, holder));
+    session_.appendError(u"Stado %1 (działalność %2) pominięte: ten sam numer stada ma działalność %3"_s.arg(
+        herd.code, herd.number, holder));
     return false;
 }
 
@@ -238,8 +236,8 @@ QString DownloadCommand::readHerdAnimals(HerdRead& herd, int index, WelfareAnaly
     session_.SetStatusText(StatusPanel::Herd, u"Stado: "_s + herd.code);
     session_.SetStatusText(StatusPanel::Step, u"Pobieranie danych"_s);
     session_.stepProgress(1);
-    const QString answer = registry_.ListAnimals(session_.ProducerNumber, herd.number, u"BYD"_s, {}, {},
-                                                 {}, {}, stateDate_, false);
+    const QString answer =
+        registry_.ListAnimals(session_.ProducerNumber, herd.number, u"BYD"_s, {}, {}, {}, {}, stateDate_, false);
     session_.appendLoaded(answer);
     if (const auto failure = RegistryFailure(answer))
         return fail(*failure);
@@ -298,7 +296,11 @@ QString DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, H
         session_.stepProgress(2);
         session_.SetStatusText(StatusPanel::Step, u"Rozczytywanie danych: "_s + number);
         writer.write(animal, czyMatka, age, herd.code, herd.slot);
-        AnimalFacts facts{animal.plec.kod, animal.typUzytkowy.kod, animal.kierunekUzytkownia.kod, age, true,
+        AnimalFacts facts{animal.plec.kod,
+                          animal.typUzytkowy.kod,
+                          animal.kierunekUzytkownia.kod,
+                          age,
+                          true,
                           [this, &animals, &number] { return calfAge(animals, number); }};
         analysis.analyse(facts, herd.slot);
         ++herd.read;

@@ -29,8 +29,7 @@ QString Cut(const QString& text, qsizetype size)
 
 ConversionError::ConversionError(const QString& key, const QString& value)
     : HalvarnError(u"Błąd konwersji: pole \"%1\", wartość \"%2\""_s.arg(key, value))
-{
-}
+{}
 
 bool IsPresent(const QJsonValue& value)
 {

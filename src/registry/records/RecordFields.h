@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/HalvarnError.h"
 #include "framework/DateTime.h"
+#include "framework/HalvarnError.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -54,7 +54,8 @@ template <class T> void ParseList(const QJsonObject& o, const QString& key, Owni
         return;
     for (const QJsonValue element : array.toArray()) {
         if (!element.isObject())
-            throw ConversionError(key, QString::fromUtf8(QJsonDocument(QJsonArray{element}).toJson(QJsonDocument::Compact)));
+            throw ConversionError(key,
+                                  QString::fromUtf8(QJsonDocument(QJsonArray{element}).toJson(QJsonDocument::Compact)));
         T::Parse(element.toObject(), list);
     }
 }

@@ -25,7 +25,8 @@ void TStadoSystemuUtrzymywaniaZwierzatClass::Parse(const QJsonObject& o,
     list.push_back(std::move(r));
 }
 
-void TStadoZwierzeciaWDzialalnosciClass::Parse(const QJsonObject& o, OwningList<TStadoZwierzeciaWDzialalnosciClass>& list)
+void TStadoZwierzeciaWDzialalnosciClass::Parse(const QJsonObject& o,
+                                               OwningList<TStadoZwierzeciaWDzialalnosciClass>& list)
 {
     auto r = std::make_unique<TStadoZwierzeciaWDzialalnosciClass>();
     READ(liczbaZwierzat), READ(liczbaNieprawidlowosci), READ(zablokowaneZwierzeta), READ(gatunek), READ(statusGatunku);
@@ -55,7 +56,8 @@ void TStadoPrzydzieloneIdentyfikatoryClass::Parse(const QJsonObject& o,
     list.push_back(std::move(r));
 }
 
-void TStadoPastwiskoPunktPolozeniaClass::Parse(const QJsonObject& o, OwningList<TStadoPastwiskoPunktPolozeniaClass>& list)
+void TStadoPastwiskoPunktPolozeniaClass::Parse(const QJsonObject& o,
+                                               OwningList<TStadoPastwiskoPunktPolozeniaClass>& list)
 {
     auto r = std::make_unique<TStadoPastwiskoPunktPolozeniaClass>();
     READ(lp), READ(pozycjaX), READ(pozycjaY);

@@ -5,7 +5,8 @@
 void TZZIInfoSrodekIdentyfikacjiClass::Parse(const QJsonObject& o, OwningList<TZZIInfoSrodekIdentyfikacjiClass>& list)
 {
     auto r = std::make_unique<TZZIInfoSrodekIdentyfikacjiClass>();
-    READ(rodzajSrodkaIdentyfikacji), READ(lokalizacjaTranspondera), READ(numerDuplikatu), READ_DATE(dataObowiazywaniaOd);
+    READ(rodzajSrodkaIdentyfikacji), READ(lokalizacjaTranspondera), READ(numerDuplikatu),
+        READ_DATE(dataObowiazywaniaOd);
     list.push_back(std::move(r));
 }
 

@@ -46,8 +46,7 @@ struct AnimalProfile {
                   QString tagOfMother = {})
         : sex(sexCode), useType(useTypeCode), direction(directionCode), breed(breedCode), ageMonths(months),
           mother(isMother), motherTag(std::move(tagOfMother))
-    {
-    }
+    {}
     Code sex, useType, direction, breed;
     int ageMonths;
     bool mother;
@@ -58,14 +57,14 @@ class HerdBuilder {
 public:
     HerdBuilder(Random& random, const DemoOptions& options, QString holding, int& tagCounter)
         : random_(random), options_(options), holding_(std::move(holding)), tagCounter_(tagCounter)
-    {
-    }
+    {}
 
     QString add(const AnimalProfile& profile, bool withBirthDate = true)
     {
         const QString tag = u"PL%1"_s.arg(5000000000LL + ++tagCounter_ * 7, 12, 10, QLatin1Char('0'));
         // Ages count whole months plus one, so an animal of A months is (A - 1) months and some days old.
-        const int days = profile.ageMonths == 0 ? 0 : static_cast<int>((profile.ageMonths - 1) * 30.4375) + random_.between(1, 29);
+        const int days =
+            profile.ageMonths == 0 ? 0 : static_cast<int>((profile.ageMonths - 1) * 30.4375) + random_.between(1, 29);
         const QDate birth = options_.referenceDate.addDays(-days);
         QJsonObject animal{
             {u"numerIdentyfikacyjnyZwierzecia"_s, tag},
@@ -75,8 +74,7 @@ public:
             {u"sposobOznakowania"_s, u"KOL"_s},
             {u"czyMatka"_s, profile.mother},
             {u"masaCialaZwierzecia"_s, 40 + profile.ageMonths * 22},
-            {u"gatunek"_s, QJsonObject{{u"kod"_s, u"BYD"_s},
-                                                    {u"opis"_s, u"Bydło"_s}}},
+            {u"gatunek"_s, QJsonObject{{u"kod"_s, u"BYD"_s}, {u"opis"_s, u"Bydło"_s}}},
             {u"kodRasy"_s, Pair(profile.breed)},
             {u"plec"_s, Pair(profile.sex)},
             {u"typUzytkowy"_s, Pair(profile.useType)},
@@ -100,11 +98,10 @@ private:
         QJsonArray tags;
         const int count = random_.chance(90) ? 2 : 1;
         for (int i = 0; i < count; ++i)
-            tags.append(QJsonObject{{u"rodzajSrodkaIdentyfikacji"_s,
-                                     QJsonObject{{u"kod"_s, u"KOL"_s},
-                                                 {u"opis"_s, u"Kolczyk"_s}}},
-                                    {u"numerDuplikatu"_s, 0},
-                                    {u"dataObowiazywaniaOd"_s, Date(birth.addDays(7))}});
+            tags.append(QJsonObject{
+                {u"rodzajSrodkaIdentyfikacji"_s, QJsonObject{{u"kod"_s, u"KOL"_s}, {u"opis"_s, u"Kolczyk"_s}}},
+                {u"numerDuplikatu"_s, 0},
+                {u"dataObowiazywaniaOd"_s, Date(birth.addDays(7))}});
         return tags;
     }
 
@@ -191,15 +188,14 @@ QJsonObject HoldingJson(const DemoOptions& options, const QString& number, bool 
         {u"adresDzialalnosciPowiat"_s, Pair(place[1])},
         {u"adresDzialalnosciGmina"_s, Pair(place[2])},
         {u"adresDzialalnosciMiejscowosc"_s, Pair(place[3])},
-        {u"listaBudynkow"_s, QJsonArray{QJsonObject{{u"lp"_s, 1},
-                                                                 {u"budynekPozycjaX"_s, r.between(1, 999)},
-                                                                 {u"budynekPozycjaY"_s, r.between(1, 999)}}}},
-        {u"listaDeklarowanychGatunkow"_s, QJsonArray{QJsonObject{{u"lp"_s, 1},
-                                                                              {u"gatunek"_s, cattle}}}},
+        {u"listaBudynkow"_s,
+         QJsonArray{QJsonObject{
+             {u"lp"_s, 1}, {u"budynekPozycjaX"_s, r.between(1, 999)}, {u"budynekPozycjaY"_s, r.between(1, 999)}}}},
+        {u"listaDeklarowanychGatunkow"_s, QJsonArray{QJsonObject{{u"lp"_s, 1}, {u"gatunek"_s, cattle}}}},
         {u"zwierzetaWDzialalnosci"_s, QJsonArray{QJsonObject{{u"liczbaZwierzat"_s, animals},
-                                                                          {u"liczbaNieprawidlowosci"_s, 0},
-                                                                          {u"zablokowaneZwierzeta"_s, false},
-                                                                          {u"gatunek"_s, cattle}}}},
+                                                             {u"liczbaNieprawidlowosci"_s, 0},
+                                                             {u"zablokowaneZwierzeta"_s, false},
+                                                             {u"gatunek"_s, cattle}}}},
         {u"przydzieloneIdentyfikatory"_s,
          QJsonArray{QJsonObject{{u"liczbaIdentyfikatorowPrzydzielonych"_s, animals * 2 + 40},
                                 {u"liczbaIdentyfikatorowWykorzystanych"_s, animals * 2},

@@ -9,8 +9,8 @@ SimDataset SimDataset::fromJson(const QJsonObject& root)
     SimDataset data;
     for (const QJsonValue producerValue : root.value(u"producers").toArray()) {
         const QJsonObject p = producerValue.toObject();
-        SimProducer producer{p.value(u"numerProducenta").toString(), p.value(u"login").toString(),
-                             p.value(u"password").toString(), {}};
+        SimProducer producer{
+            p.value(u"numerProducenta").toString(), p.value(u"login").toString(), p.value(u"password").toString(), {}};
         for (const QJsonValue holdingValue : p.value(u"holdings").toArray()) {
             QJsonObject holding = holdingValue.toObject();
             SimHolding sim;

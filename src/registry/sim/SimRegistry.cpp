@@ -28,11 +28,11 @@ QByteArray Komunikat(const QString& text)
 
 QByteArray Errors(const char* code, const QString& text)
 {
-    return Json({{u"bledy"_s, QJsonArray{QJsonObject{{u"kodBledu"_s, QLatin1String(code)},
-                                                                  {u"komunikat"_s, text}}}}});
+    return Json({{u"bledy"_s, QJsonArray{QJsonObject{{u"kodBledu"_s, QLatin1String(code)}, {u"komunikat"_s, text}}}}});
 }
 
-const QByteArray NotJson = QByteArray("<html><body>B\xc5\x82\xc4\x85""d serwera</body></html>");
+const QByteArray NotJson = QByteArray("<html><body>B\xc5\x82\xc4\x85"
+                                      "d serwera</body></html>");
 } // namespace
 
 SimRegistry::SimRegistry(SimDataset data, SimOptions options) : data_(std::move(data)), options_(std::move(options))
@@ -48,8 +48,8 @@ void SimRegistry::indexAnimals()
         for (std::size_t h = 0; h < producer.holdings.size(); ++h) {
             const auto& animals = producer.holdings[h].animals;
             for (std::size_t a = 0; a < animals.size(); ++a) {
-                const QString key = producer.numerProducenta + u'/' +
-                                    animals[a].value(u"numerIdentyfikacyjnyZwierzecia").toString();
+                const QString key =
+                    producer.numerProducenta + u'/' + animals[a].value(u"numerIdentyfikacyjnyZwierzecia").toString();
                 if (!animalIndex_.contains(key)) // the first of equal tags answers
                     animalIndex_.insert(key, {p, h, a});
             }
@@ -66,7 +66,8 @@ void SimRegistry::install(httplib::Server& server)
     };
     server.Post("/auth/realms/ewniosekplus/protocol/openid-connect/token", route(&SimRegistry::token, false));
     server.Post(R"(/api/dzialalnosci/api/(test|prod)/dzialalnosci)", route(&SimRegistry::holdings, true));
-    server.Get(R"(/api/indywidualne/zwierze/api/(test|prod)/zwierzetaIndywidualne)", route(&SimRegistry::animalList, true));
+    server.Get(R"(/api/indywidualne/zwierze/api/(test|prod)/zwierzetaIndywidualne)",
+               route(&SimRegistry::animalList, true));
     server.Get(R"(/api/indywidualne/zwierze/api/(test|prod)/zwierzeIndywidualne)", route(&SimRegistry::animal, true));
     server.Get(R"(/api/dokumenty/dokument/api/(test|prod)/listaDokumentow)", route(&SimRegistry::documents, true));
     server.Post(R"(/api/indywidualne/dokument/api/(test|prod)/ztuku)", route(&SimRegistry::useChange, true));
@@ -156,15 +157,12 @@ SimRegistry::Answer SimRegistry::token(const httplib::Request& request)
     ++stats_.tokenRequests;
     bool known = false;
     for (const SimProducer& p : data_.producers)
-        known = known || (p.login == form.value(u"username"_s) &&
-                          p.password == form.value(u"password"_s));
+        known = known || (p.login == form.value(u"username"_s) && p.password == form.value(u"password"_s));
     if (!known || options_.faults.refuseLogin || form.value(u"client_id"_s) != u"aplikacja-irzplus")
         return {401, R"({"error":"invalid_grant","error_description":"Invalid user credentials"})"};
     const QString token = QString::number(QRandomGenerator::global()->generate64(), 36);
     tokens_.insert(token);
-    return {200, Json({{u"access_token"_s, token},
-                       {u"token_type"_s, u"bearer"_s},
-                       {u"expires_in"_s, 300}})};
+    return {200, Json({{u"access_token"_s, token}, {u"token_type"_s, u"bearer"_s}, {u"expires_in"_s, 300}})};
 }
 
 SimRegistry::Answer SimRegistry::holdings(const httplib::Request& request)
@@ -294,23 +292,21 @@ SimRegistry::Answer SimRegistry::documents(const httplib::Request& request)
 SimRegistry::Answer SimRegistry::useChange(const httplib::Request& request)
 {
     const QJsonObject body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
-    const QJsonObject position =
-        body.value(u"zgloszenie").toObject().value(u"pozycje").toArray().first().toObject();
+    const QJsonObject position = body.value(u"zgloszenie").toObject().value(u"pozycje").toArray().first().toObject();
     const QString tag = position.value(u"numerIdentyfikacyjnyZwierzecia").toString();
     const std::lock_guard lock(mutex_);
     ++stats_.useChangeRequests;
     QJsonObject* animal = findAnimal(body.value(u"numerProducenta").toString(), tag);
     if (!animal)
-        return {200, Json({{u"komunikat"_s, u"Zgłoszenie odrzucone"_s},
-                           {u"bledy"_s,
-                            QJsonArray{QJsonObject{{u"kodBledu"_s, u"ZW-404"_s},
-                                                   {u"komunikat"_s,
-                                                    u"Nie znaleziono zwierzęcia "_s + tag}}}}})};
+        return {200,
+                Json({{u"komunikat"_s, u"Zgłoszenie odrzucone"_s},
+                      {u"bledy"_s, QJsonArray{QJsonObject{{u"kodBledu"_s, u"ZW-404"_s},
+                                                          {u"komunikat"_s, u"Nie znaleziono zwierzęcia "_s + tag}}}}})};
     const QString direction = position.value(u"kierunekUzytkowy").toObject().value(u"kod").toString();
     if (!direction.isEmpty())
-        animal->insert(u"kierunekUzytkownia"_s, QJsonObject{{u"kod"_s, direction},
-                                                                         {u"opis"_s, direction}});
-    const QString number = u"ZTUKU/%1/%2"_s.arg(QDate::currentDate().year()).arg(++documentCounter_, 6, 10, QLatin1Char('0'));
+        animal->insert(u"kierunekUzytkownia"_s, QJsonObject{{u"kod"_s, direction}, {u"opis"_s, direction}});
+    const QString number =
+        u"ZTUKU/%1/%2"_s.arg(QDate::currentDate().year()).arg(++documentCounter_, 6, 10, QLatin1Char('0'));
     const QString now = QDateTime::currentDateTime().toString(u"yyyy-MM-ddTHH:mm:ss");
     documents_.append(QJsonObject{{u"numerDokumentu"_s, number},
                                   {u"typDokumentu"_s, u"ZTUKU"_s},
@@ -320,6 +316,5 @@ SimRegistry::Answer SimRegistry::useChange(const httplib::Request& request)
                                   {u"statusDokumentu"_s, u"7"_s},
                                   {u"numerKancelaryjny"_s, QString::number(documentCounter_)},
                                   {u"komorkaOrganizacyjna"_s, body.value(u"komorkaOrganizacyjna").toString()}});
-    return {200, Json({{u"numerDokumentu"_s, number},
-                       {u"komunikat"_s, u"Dokument przyjęty"_s}})};
+    return {200, Json({{u"numerDokumentu"_s, number}, {u"komunikat"_s, u"Dokument przyjęty"_s}})};
 }

@@ -1,5 +1,5 @@
-#include "core/tables/WorkingTables.h"
 #include "core/tables/TableLayouts.h"
+#include "core/tables/WorkingTables.h"
 
 #include <QTest>
 

@@ -1,10 +1,9 @@
 #include "export/XlsReader.h"
-
 #include "export/xls/XlsWorkbook.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -45,10 +44,8 @@ void TestXls::cellsOfEveryTypeReadBack()
     const QJsonObject read = ReadWorkbook(path);
     QCOMPARE(SheetNames(read), (QStringList{u"Ogółem"_s, u"001"_s}));
     QCOMPARE(SheetCells(read, 0),
-             (QStringList{u"1,1:text:Zażółć gęślą jaźń"_s, u"1,2:text:café"_s,
-                          u"2,1:number:43"_s, u"2,2:number:-1.5"_s,
-                          u"3,1:date:2024-02-29"_s, u"3,2:bool:true"_s,
-                          u"3,3:bool:false"_s, u"256,256:text:róg"_s}));
+             (QStringList{u"1,1:text:Zażółć gęślą jaźń"_s, u"1,2:text:café"_s, u"2,1:number:43"_s, u"2,2:number:-1.5"_s,
+                          u"3,1:date:2024-02-29"_s, u"3,2:bool:true"_s, u"3,3:bool:false"_s, u"256,256:text:róg"_s}));
     QCOMPARE(SheetCells(read, 1), QStringList{u"1,1:text:Zażółć gęślą jaźń"_s});
     // Only the first sheet opens selected; two selected sheets would open grouped.
     const QJsonArray sheets = read.value(u"sheets").toArray();

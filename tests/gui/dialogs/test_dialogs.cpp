@@ -1,12 +1,11 @@
-#include "support/Files.h"
-
+#include "analysis/AgeLimits.h"
+#include "framework/IniFile.h"
 #include "gui/dialogs/MonthEdit.h"
 #include "gui/dialogs/TfAbout.h"
 #include "gui/dialogs/TfGET_CO_EXP_WYDR.h"
 #include "gui/dialogs/TfGET_PARAM.h"
 #include "gui/dialogs/TfGET_TUKU.h"
-#include "analysis/AgeLimits.h"
-#include "framework/IniFile.h"
+#include "support/Files.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -150,7 +149,7 @@ class TestDialogs : public QObject {
 
 private:
     std::unique_ptr<QTemporaryDir> dir_;
-    QString ini_;     // HALVARN.INI in a folder of its own for each test
+    QString ini_;      // HALVARN.INI in a folder of its own for each test
     ParamCalls calls_; // what "Parametry" asked
 
 private Q_SLOTS:
@@ -182,7 +181,6 @@ private Q_SLOTS:
 
     void aboutShowsSupportAndVersion_data();
     void aboutShowsSupportAndVersion();
-
 };
 
 void TestDialogs::limitEditSitsOnItsRow_data()
@@ -287,8 +285,8 @@ void TestDialogs::saveAndLoadRoundTrip()
         ++value;
     }
     QCOMPARE(saved.readString(u"POMOC"_s, u"Email"_s, {}), u"a@b.pl"_s);
-    const QByteArray csvLine = "CSV=" + QDir::toNativeSeparators(u"/dane/"_s).toLatin1() +
-                               "Za\xBF\xF3\xB3\xE6 g\xEA\x9Cl\xB9 ja\x9F\xF1\r\n";
+    const QByteArray csvLine =
+        "CSV=" + QDir::toNativeSeparators(u"/dane/"_s).toLatin1() + "Za\xBF\xF3\xB3\xE6 g\xEA\x9Cl\xB9 ja\x9F\xF1\r\n";
     QVERIFY2(ReadAll(ini_).contains("[PATHS]\r\n" + csvLine), ReadAll(ini_).constData());
 
     dialog = OpenParam(ini_, calls_);
@@ -506,8 +504,7 @@ void TestDialogs::aboutShowsSupportAndVersion_data()
     QTest::newRow("configured") << QByteArray("[POMOC]\r\nEmail=serwis@przyklad.pl\r\n")
                                 << u"Pomoc techniczna: serwis@przyklad.pl"_s;
     QTest::newRow("no file") << QByteArray() << u"Pomoc techniczna: pomoc@fernhill.pl"_s;
-    QTest::newRow("empty value") << QByteArray("[POMOC]\r\nEmail=\r\n")
-                                 << u"Pomoc techniczna: pomoc@fernhill.pl"_s;
+    QTest::newRow("empty value") << QByteArray("[POMOC]\r\nEmail=\r\n") << u"Pomoc techniczna: pomoc@fernhill.pl"_s;
 }
 
 void TestDialogs::aboutShowsSupportAndVersion()

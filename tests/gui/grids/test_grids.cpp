@@ -1,3 +1,4 @@
+#include "core/tables/WorkingTables.h"
 #include "gui/grids/ColumnFilterPopup.h"
 #include "gui/grids/GridFooter.h"
 #include "gui/grids/SummaryGrid.h"
@@ -5,7 +6,6 @@
 #include "gui/grids/SummaryModel.h"
 #include "gui/grids/TableGrid.h"
 #include "gui/grids/TableModel.h"
-#include "core/tables/WorkingTables.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>
@@ -14,8 +14,8 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QStyle>
 #include <QSignalSpy>
+#include <QStyle>
 #include <QTableView>
 #include <QTest>
 #include <QTreeView>
@@ -147,8 +147,7 @@ struct AnyGrid {
             header = grid->view()->header();
             widget = std::move(grid);
         } else {
-            auto grid =
-                std::make_unique<TableGrid>(table, kind == u"herd" ? GridKind::HerdAnimals : GridKind::Groups);
+            auto grid = std::make_unique<TableGrid>(table, kind == u"herd" ? GridKind::HerdAnimals : GridKind::Groups);
             view = grid->view();
             header = grid->view()->horizontalHeader();
             widget = std::move(grid);
@@ -166,8 +165,7 @@ struct ModelSignals {
         : resets(model, &QAbstractItemModel::modelReset), inserts(model, &QAbstractItemModel::rowsInserted),
           removals(model, &QAbstractItemModel::rowsRemoved), changes(model, &QAbstractItemModel::dataChanged),
           layouts(model, &QAbstractItemModel::layoutChanged)
-    {
-    }
+    {}
     int perRow() const { return inserts.count() + removals.count() + changes.count() + layouts.count(); }
     QSignalSpy resets, inserts, removals, changes, layouts;
 };
@@ -588,7 +586,7 @@ void TestGrids::silentWhileControlsAreDisabled()
     table.remove();
     tables_->MarkAnimalReviewed(table, u"X"_s, u"Opasy"_s);
     grid.widget->repaint(); // painting while the table is ahead of the grid must be harmless
-    if (summaryGrid) // a mark set on the rows of before could land on another animal
+    if (summaryGrid)        // a mark set on the rows of before could land on another animal
         QVERIFY(!model->setData(model->index(0, 0, model->index(0, 0)), Qt::Checked, Qt::CheckStateRole));
     QCOMPARE(seen.perRow(), 0);
     QCOMPARE(seen.resets.count(), 0);
@@ -766,11 +764,10 @@ void TestGrids::columnsFitTheirWidestValues()
     AppendGroup(*groups_, 1, Text("Halvarn krów mamek"), 3);
     AppendGroup(*groups_, 2, longest, 1);
     const TableGrid groups(*groups_, GridKind::Groups);
-    QVERIFY(groups.view()->horizontalHeader()->sectionSize(0) >= WholeWidth(*groups.view(), longest, groups.view()->font()));
+    QVERIFY(groups.view()->horizontalHeader()->sectionSize(0) >=
+            WholeWidth(*groups.view(), longest, groups.view()->font()));
     QVERIFY(groups.minimumSizeHint().width() > groups.view()->horizontalHeader()->length());
 }
-
-
 
 QTEST_MAIN(TestGrids)
 #include "test_grids.moc"

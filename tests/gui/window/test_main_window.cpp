@@ -1,15 +1,14 @@
-#include "support/RecordingServer.h"
-#include "support/Files.h"
-
+#include "core/session/HalvarnSession.h"
+#include "framework/Cp1250.h"
 #include "gui/grids/SummaryGrid.h"
 #include "gui/grids/TableGrid.h"
-#include "core/session/HalvarnSession.h"
 #include "gui/window/StatusDisplay.h"
 #include "gui/window/TfHalvarnMain.h"
 #include "gui/window/UserDialogs.h"
-#include "framework/Cp1250.h"
 #include "registry/sim/HttpLib.h"
 #include "registry/sim/RegistrySimulator.h"
+#include "support/Files.h"
+#include "support/RecordingServer.h"
 
 #include <QAction>
 #include <QApplication>
@@ -63,7 +62,6 @@ public:
     }
 };
 
-
 const DemoOptions Demo;
 
 // The ear tag of an animal of the demo producer; herds count from 0.
@@ -107,11 +105,10 @@ private:
         if (request.headers.contains("authorization"))
             headers.emplace("Authorization", request.headers.value("authorization").toStdString());
         const std::string target = request.target.toStdString();
-        const httplib::Result result =
-            request.method == "POST"
-                ? client.Post(target, headers, request.body.toStdString(),
-                              request.headers.value("content-type").toStdString())
-                : client.Get(target, headers);
+        const httplib::Result result = request.method == "POST"
+                                           ? client.Post(target, headers, request.body.toStdString(),
+                                                         request.headers.value("content-type").toStdString())
+                                           : client.Get(target, headers);
         if (!result)
             return {502};
         return {result->status, QByteArray::fromStdString(result->body), latencyMs};
@@ -333,8 +330,7 @@ void TestMainWindow::demoDownloadFillsTabsGridsAndMemos()
         QCOMPARE(pages->tabText(index), u"%1"_s.arg(slot, 3, 10, QLatin1Char('0')));
         auto* grid = static_cast<TableGrid*>(window_->slotView(slot).AnimalsGrid);
         QCOMPARE(grid->footerText(u"NumerIdentyfikacyjny"_s), QString::number(size));
-        QCOMPARE(grid->footerText(u"CzyMatka"_s),
-                 QString::number(sumOf(session.tables().mdRZ(slot), "CzyMatka")));
+        QCOMPARE(grid->footerText(u"CzyMatka"_s), QString::number(sumOf(session.tables().mdRZ(slot), "CzyMatka")));
         QCOMPARE(window_->slotView(slot).GroupsGrid->footerText(u"Ilosc"_s), QString::number(size));
     }
     QCOMPARE(pages->currentWidget(), window_->slotView(1).TabSheet);
@@ -369,7 +365,9 @@ void TestMainWindow::stopEndsTheDownloadAtOnce_data()
     for (const bool closing : {false, true})
         for (const int stall : {0, 1, 2})
             QTest::addRow("%s, %s", closing ? "closing the window" : "Przerwij",
-                          stall == 0 ? "between animals" : stall == 1 ? "while logging in" : "while an animal is asked")
+                          stall == 0   ? "between animals"
+                          : stall == 1 ? "while logging in"
+                                       : "while an animal is asked")
                 << stall << closing;
 }
 
@@ -422,7 +420,8 @@ void TestMainWindow::stopEndsTheDownloadAtOnce()
     for (int slot = 1; slot < HerdSlotCount; ++slot)
         written += tables.mdRZ(slot).recordCount();
     QVERIFY(stall != 0 || written > 0);
-    QVERIFY(written < (stall != 0 ? Demo.herdSizes[0] : std::accumulate(Demo.herdSizes.begin(), Demo.herdSizes.end(), 0)));
+    QVERIFY(written <
+            (stall != 0 ? Demo.herdSizes[0] : std::accumulate(Demo.herdSizes.begin(), Demo.herdSizes.end(), 0)));
     QCOMPARE(tables.mdRZ00().recordCount(), written);
     QCOMPARE(sumOf(tables.mdGT00(), "Ilosc"), written);
     QCOMPARE(window_->summaryGrid()->footerText(u"NumerIdentyfikacyjny"_s), QString::number(written));

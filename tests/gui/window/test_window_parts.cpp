@@ -1,5 +1,5 @@
-#include "gui/window/DateField.h"
 #include "gui/window/ApplicationSetup.h"
+#include "gui/window/DateField.h"
 
 #include <QApplication>
 #include <QDateEdit>

@@ -1,9 +1,8 @@
-#include "support/RecordingServer.h"
-#include "support/Files.h"
-#include "support/RecordingHost.h"
-
 #include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
+#include "support/Files.h"
+#include "support/RecordingHost.h"
+#include "support/RecordingServer.h"
 
 #include <QElapsedTimer>
 #include <QJsonDocument>
@@ -93,9 +92,10 @@ void TestRegistryClient::logInFailuresShowTheirMessage_data()
     // 401 is the refusal whatever the status line says.
     QTest::newRow("refused, other wording") << 401 << QByteArray("Access Denied") << QByteArray("{}") << refused;
     QTest::newRow("refused, no wording") << 401 << QByteArray(" ") << QByteArray() << refused;
-    QTest::newRow("forbidden, worded Unauthorized") << 403 << QByteArray("Unauthorized") << QByteArray("{}")
-                                                    << failed + u"HTTP/1.1 403 Unauthorized"_s;
-    QTest::newRow("server error") << 500 << QByteArray() << QByteArray("{}") << failed + u"HTTP/1.1 500 Internal Server Error"_s;
+    QTest::newRow("forbidden, worded Unauthorized")
+        << 403 << QByteArray("Unauthorized") << QByteArray("{}") << failed + u"HTTP/1.1 403 Unauthorized"_s;
+    QTest::newRow("server error") << 500 << QByteArray() << QByteArray("{}")
+                                  << failed + u"HTTP/1.1 500 Internal Server Error"_s;
     QTest::newRow("not json") << 200 << QByteArray() << QByteArray("<html>") << noToken;
     QTest::newRow("token missing") << 200 << QByteArray() << QByteArray(R"({"token_type":"bearer"})") << noToken;
 }
@@ -138,26 +138,32 @@ void TestRegistryClient::requestsCarryTheTokenAndTheirFilters_data()
     QTest::newRow("animals, no date, test branch")
         << 1 << QByteArray(animals).replace("/prod/", "/test/") + "&gatunek=BYD" << get;
     QTest::newRow("single animal") << 2
-                                   << QByteArray("/api/indywidualne/zwierze/api/prod/zwierzeIndywidualne?numerProducenta="
-                                                 "071234562&numerIdentyfikacyjnyZwierzecia=PL005123456789")
+                                   << QByteArray(
+                                          "/api/indywidualne/zwierze/api/prod/zwierzeIndywidualne?numerProducenta="
+                                          "071234562&numerIdentyfikacyjnyZwierzecia=PL005123456789")
                                    << get;
-    QTest::newRow("documents") << 3 << documents + "&numerDokumentu=D/1&dataPrzyjeciaOd=2026-01-01&dataPrzyjeciaDo=2026-11-01"
+    QTest::newRow("documents") << 3
+                               << documents +
+                                      "&numerDokumentu=D/1&dataPrzyjeciaOd=2026-01-01&dataPrzyjeciaDo=2026-11-01"
                                << get;
     QTest::newRow("documents, no filters") << 4 << documents << get;
-    QTest::newRow("holdings, producer only")
-        << 5 << QByteArray("/api/dzialalnosci/api/prod/dzialalnosci") << QByteArray(R"({"numerProducenta":"071234562"})");
+    QTest::newRow("holdings, producer only") << 5 << QByteArray("/api/dzialalnosci/api/prod/dzialalnosci")
+                                             << QByteArray(R"({"numerProducenta":"071234562"})");
     QTest::newRow("holdings, every filter")
         << 6 << QByteArray("/api/dzialalnosci/api/test/dzialalnosci")
         << producer + R"("numerDzialalnosci":"071234562-001","typDzialalnosci":"GOSP","stanDzialalnosci":"SDZA"})";
     QTest::newRow("type and direction: ZTK")
         << 7 << useChange
-        << producer + head + R"("typUzytkowy":{"kod":"MI"},"kierunekUzytkowy":{"kod":"OP"},"celZmiany":{"kod":"ZTK"}}]}})";
+        << producer + head +
+               R"("typUzytkowy":{"kod":"MI"},"kierunekUzytkowy":{"kod":"OP"},"celZmiany":{"kod":"ZTK"}}]}})";
     QTest::newRow("type only: ZTU") << 8 << useChange
                                     << producer + head + R"("typUzytkowy":{"kod":"MI"},"celZmiany":{"kod":"ZTU"}}]}})";
-    QTest::newRow("direction only: ZKU")
-        << 9 << useChange << producer + head + R"("kierunekUzytkowy":{"kod":"OP"},"celZmiany":{"kod":"ZKU"}}]}})";
+    QTest::newRow("direction only: ZKU") << 9 << useChange
+                                         << producer + head +
+                                                R"("kierunekUzytkowy":{"kod":"OP"},"celZmiany":{"kod":"ZKU"}}]}})";
     QTest::newRow("neither, with unit: ZKU")
-        << 10 << useChange << producer + R"("komorkaOrganizacyjna":"BP 7",)" + head + R"("celZmiany":{"kod":"ZKU"}}]}})";
+        << 10 << useChange
+        << producer + R"("komorkaOrganizacyjna":"BP 7",)" + head + R"("celZmiany":{"kod":"ZKU"}}]}})";
 }
 
 void TestRegistryClient::requestsCarryTheTokenAndTheirFilters()
@@ -176,7 +182,9 @@ void TestRegistryClient::requestsCarryTheTokenAndTheirFilters()
         client.SubmitUseChange(producer, unit, herd, u"BYD"_s, Day(2026, 11, 23), u"PL1"_s, type, direction, false);
     };
     switch (request) {
-    case 0: client.ListAnimals(producer, herd, u"BYD"_s, u"PL1"_s, u"XX"_s, u"HO"_s, u"ML"_s, Day(2026, 11, 1), false); break;
+    case 0:
+        client.ListAnimals(producer, herd, u"BYD"_s, u"PL1"_s, u"XX"_s, u"HO"_s, u"ML"_s, Day(2026, 11, 1), false);
+        break;
     case 1: client.ListAnimals(producer, {}, u"BYD"_s, {}, {}, {}, {}, EmptyDate, true); break;
     case 2: client.GetAnimal(producer, u"PL005123456789"_s, false); break;
     case 3: client.ListDocuments(producer, u"D/1"_s, Day(2026, 1, 1), Day(2026, 11, 1), false); break;
@@ -208,8 +216,8 @@ void TestRegistryClient::httpErrorsOfGetsBecomeTheMarker_data()
     const QString status = u"HTTP/1.1 500 Internal Server Error"_s;
     QTest::newRow("no words of the registry") << QByteArray(R"({"bledy":[]})") << status;
     QTest::newRow("not JSON") << QByteArray("<html>") << status;
-    QTest::newRow("komunikat at the root") << QByteArray(R"({"komunikat":"Brak danych"})")
-                                           << u"Brak danych ("_s + status + u')';
+    QTest::newRow("komunikat at the root")
+        << QByteArray(R"({"komunikat":"Brak danych"})") << u"Brak danych ("_s + status + u')';
     QTest::newRow("error entries")
         << QByteArray(R"({"bledy":[{"kodBledu":"E1","komunikat":"awaria"},{"kodBledu":"E2","komunikat":"znowu"}]})")
         << u"E1: awaria; E2: znowu ("_s + status + u')';
@@ -318,8 +326,7 @@ void TestRegistryClient::redirectsStayWithinTheOrigin()
     QCOMPARE(registry.requests().back().headers.value("authorization"), QByteArray("Bearer tok"));
 
     const QString refused = client.ListAnimals(u"1"_s, {}, u"BYD"_s, {}, {}, {}, {}, EmptyDate, false);
-    QVERIFY2(refused.startsWith(ErrorMarker + u"Serwer przekierował zapytanie pod inny adres"_s),
-             qPrintable(refused));
+    QVERIFY2(refused.startsWith(ErrorMarker + u"Serwer przekierował zapytanie pod inny adres"_s), qPrintable(refused));
     QVERIFY(!client.Authorize(u"jan"_s, u"tajne"_s));
     QVERIFY(host.messages.at(0).text.contains(u"przekierował"_s));
     QVERIFY_THROWS_EXCEPTION(RegistryError, client.ListHoldings(u"1"_s, {}, {}, {}, false));
@@ -358,8 +365,7 @@ void TestRegistryClient::secretsTravelInClearTextOnlyToThisMachine_data()
     QTest::addColumn<QString>("api");
     QTest::addColumn<bool>("refused");
     QTest::newRow("loopback address") << QString() << QString() << false;
-    QTest::newRow("localhost") << u"http://localhost:PORT"_s << u"http://localhost:PORT"_s
-                               << false;
+    QTest::newRow("localhost") << u"http://localhost:PORT"_s << u"http://localhost:PORT"_s << false;
     QTest::newRow("log-in over plain http") << u"http://sso.example.pl"_s << QString() << true;
     QTest::newRow("token over plain http") << QString() << u"http://irz.example.pl"_s << true;
 }
@@ -431,9 +437,8 @@ void TestRegistryClient::animalQueueHandsOutAnswersInListOrder()
     QStringList answers;
     while (!queue.atEnd())
         answers.append(queue.next());
-    QCOMPARE(answers, (QStringList{u"PL1"_s, u"PL2"_s, u"PL3"_s,
-                                   u"\tERR\tHTTP/1.1 500 Internal Server Error"_s, u"PL5"_s,
-                                   u"PL6"_s, u"PL7"_s}));
+    QCOMPARE(answers, (QStringList{u"PL1"_s, u"PL2"_s, u"PL3"_s, u"\tERR\tHTTP/1.1 500 Internal Server Error"_s,
+                                   u"PL5"_s, u"PL6"_s, u"PL7"_s}));
     QCOMPARE(server.requests().size(), 7u);
     QCOMPARE(server.mostUnanswered(), std::min(parallel, 6)); // Qt opens at most six connections to a host
 }
@@ -471,8 +476,8 @@ void TestRegistryClient::settingsOutsideTheirRangeFallBack_data()
     QTest::addColumn<qint64>("maxAnswerBytes");
     QTest::addColumn<int>("problems");
     QTest::newRow("none set") << QByteArray() << 8 << 150'000 << (64ll << 20) << 0;
-    QTest::newRow("within range") << QByteArray("MaxParallelRequests=64\r\nTimeoutSeconds=3600\r\nMaxAnswerMB=2")
-                                  << 64 << 3'600'000 << (2ll << 20) << 0;
+    QTest::newRow("within range") << QByteArray("MaxParallelRequests=64\r\nTimeoutSeconds=3600\r\nMaxAnswerMB=2") << 64
+                                  << 3'600'000 << (2ll << 20) << 0;
     QTest::newRow("too many in flight") << QByteArray("MaxParallelRequests=65") << 8 << 150'000 << (64ll << 20) << 1;
     QTest::newRow("none in flight") << QByteArray("MaxParallelRequests=0") << 8 << 150'000 << (64ll << 20) << 1;
     QTest::newRow("time-out too long") << QByteArray("TimeoutSeconds=3601") << 8 << 150'000 << (64ll << 20) << 1;
@@ -496,7 +501,8 @@ void TestRegistryClient::settingsOutsideTheirRangeFallBack()
     QCOMPARE(config.maxAnswerBytes, maxAnswerBytes);
     QCOMPARE(config.problems.size(), problems);
     if (problems > 0)
-        QVERIFY2(config.problems[0].contains(QString::fromUtf8(line.left(line.indexOf('=')))), qPrintable(config.problems[0]));
+        QVERIFY2(config.problems[0].contains(QString::fromUtf8(line.left(line.indexOf('=')))),
+                 qPrintable(config.problems[0]));
 }
 
 QTEST_GUILESS_MAIN(TestRegistryClient)

@@ -1,12 +1,11 @@
-#include "support/RecordingServer.h"
-#include "support/Files.h"
-#include "support/RecordingHost.h"
-
 #include "analysis/AgeInMonths.h"
 #include "core/session/HalvarnSession.h"
 #include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
+#include "support/Files.h"
+#include "support/RecordingHost.h"
+#include "support/RecordingServer.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -50,9 +49,9 @@ QByteArray Json(const QJsonObject& object)
 // A registry whose answers a test can spoil one by one.
 struct FakeRegistry {
     QJsonArray holdings;
-    QMap<QString, QJsonArray> animals;       // holding -> list
-    QMap<QString, QJsonObject> singles;      // tag -> full record
-    QMap<QString, Reply> overrides;          // holding, tag, "token" or "holdings" -> answer instead
+    QMap<QString, QJsonArray> animals;  // holding -> list
+    QMap<QString, QJsonObject> singles; // tag -> full record
+    QMap<QString, Reply> overrides;     // holding, tag, "token" or "holdings" -> answer instead
 
     FakeRegistry()
     {
@@ -62,8 +61,8 @@ struct FakeRegistry {
         addHerd(4, u"SDZA"_s);
         // herd 1: a cow, a heifer of exactly 14 and one of 15 months, a calf
         addAnimal(1, u"PL001"_s, "XX", 1500, true, false);
-        addAnimal(1, u"PL002"_s, "XX", 400, false, true);  // 14 months: the list decides
-        addAnimal(1, u"PL003"_s, "XX", 440, false, true);  // 15 months: the full record decides
+        addAnimal(1, u"PL002"_s, "XX", 400, false, true); // 14 months: the list decides
+        addAnimal(1, u"PL003"_s, "XX", 440, false, true); // 15 months: the full record decides
         addAnimal(1, u"PL004"_s, "XY", 60, false, false);
         addAnimal(2, u"PL101"_s, "XY", 700, false, false);
         addAnimal(2, u"PL102"_s, "XX", 800, false, false);
@@ -72,8 +71,8 @@ struct FakeRegistry {
     void addHerd(int number, const QString& state) { addHolding(Holding(number), state); }
     void addHolding(const QString& holding, const QString& state)
     {
-        holdings.append(QJsonObject{{u"numerDzialalnosci"_s, holding},
-                                    {u"stanDzialalnosci"_s, QJsonObject{{u"kod"_s, state}}}});
+        holdings.append(
+            QJsonObject{{u"numerDzialalnosci"_s, holding}, {u"stanDzialalnosci"_s, QJsonObject{{u"kod"_s, state}}}});
         animals[holding] = QJsonArray{};
     }
     void addAnimal(int herd, const QString& tag, const char* sex, int ageDays, bool listMother, bool fullMother)
@@ -137,8 +136,8 @@ struct Download {
     }
     int requestsFor(const char* part) const
     {
-        return static_cast<int>(std::count_if(requests.begin(), requests.end(),
-                                              [part](const auto& r) { return r.target.contains(part); }));
+        return static_cast<int>(
+            std::count_if(requests.begin(), requests.end(), [part](const auto& r) { return r.target.contains(part); }));
     }
 };
 
@@ -187,8 +186,8 @@ void TestDownload::fullDownloadFillsTablesSlotsAndMemos()
     QVERIFY(slots[0].Visible && slots[1].Visible && slots[2].Visible && !slots[3].Visible && !slots[4].Visible);
     QCOMPARE(slots[2].Code, u"002"_s);
     QCOMPARE(slots[2].Index, 1);
-    QCOMPARE(d.session.errors(), (QStringList{u"Nie aktywne stado: 071234562-003"_s,
-                                              u"Brak zwierząt w stadzie: 071234562-004"_s}));
+    QCOMPARE(d.session.errors(),
+             (QStringList{u"Nie aktywne stado: 071234562-003"_s, u"Brak zwierząt w stadzie: 071234562-004"_s}));
     QVERIFY(d.session.loaded().startsWith(u"dzialalnosc\n{\"listaZwierzeta\""_s));
     QCOMPARE(d.requestsFor("numerDzialalnosci=071234562-003"), 0);
     QCOMPARE(d.requestsFor("zwierzeIndywidualne"), 6);
@@ -274,7 +273,8 @@ void TestDownload::failuresEndTheirHerdOrTheCommand_data()
     row("holdings: not JSON", holdings, NotJson, stopped, notJson, {}, {});
     row("herd list: HTTP error", Holding(1), ServerError, incomplete, serverError, secondHerdOnly,
         herd1 + noList + serverError);
-    row("herd list: cut after the headers", Holding(1), cutReply, incomplete, cut, secondHerdOnly, herd1 + noList + cut);
+    row("herd list: cut after the headers", Holding(1), cutReply, incomplete, cut, secondHerdOnly,
+        herd1 + noList + cut);
     row("herd list: komunikat", Holding(1), Komunikat("Brak uprawnień"), incomplete,
         u"Serwer zwrócił komunikat: Brak uprawnień"_s, secondHerdOnly, herd1 + noList + u"Serwer zwrócił komunikat"_s);
     row("herd list: empty answer", Holding(1), Reply{200, "", 0}, incomplete, {}, secondHerdOnly,
@@ -283,8 +283,9 @@ void TestDownload::failuresEndTheirHerdOrTheCommand_data()
     const QString twoOfFour = herd1 + u"odczytano 2 z 4 zwierząt. Przyczyna: "_s;
     row("animal: HTTP error", u"PL003"_s, ServerError, incomplete, serverError, firstTwo, twoOfFour + serverError);
     row("animal: cut after the headers", u"PL003"_s, cutReply, incomplete, cut, firstTwo, twoOfFour + cut);
-    row("animal: silent after the headers", u"PL003"_s, RecordingServer::Broken(RecordingServer::Break::StallAfterHeaders),
-        incomplete, u"Serwer zgłosił błąd: "_s + timeOut, firstTwo, twoOfFour + u"Serwer zgłosił błąd: "_s + timeOut);
+    row("animal: silent after the headers", u"PL003"_s,
+        RecordingServer::Broken(RecordingServer::Break::StallAfterHeaders), incomplete,
+        u"Serwer zgłosił błąd: "_s + timeOut, firstTwo, twoOfFour + u"Serwer zgłosił błąd: "_s + timeOut);
     row("older female: komunikat", u"PL003"_s, Komunikat("Zablokowane"), incomplete,
         u"Serwer zwrócił komunikat: Zablokowane"_s, firstTwo, twoOfFour + u"Serwer zwrócił komunikat"_s);
     row("young animal: its full record is not read", u"PL004"_s, Komunikat("Zablokowane"), completed, {}, all, {});
@@ -421,7 +422,7 @@ void TestDownload::cancellingStopsBetweenAnimalsWithConsistentTables()
     QCOMPARE(d.numbers(0), (QStringList{u"PL001"_s, u"PL002"_s}));
     QCOMPARE(d.numbers(1), d.numbers(0));
     QCOMPARE(d.session.errors().last(), u"Stado 001 (działalność 071234562-001) niepełne: odczytano 2 z 4 "
-                                                       u"zwierząt. Przyczyna: Przerwano na żądanie użytkownika"_s);
+                                        u"zwierząt. Przyczyna: Przerwano na żądanie użytkownika"_s);
     QVERIFY(d.host.messages.empty());
     QVERIFY(!d.session.busy());
 }
@@ -472,23 +473,28 @@ void TestDownload::statusTextsAndProgressFollowTheSteps()
 
     QStringList clearing{u"H:"_s, u"S:"_s, u"S:Czyszczenie danych"_s};
     for (int slot = 0; slot < HerdSlotCount; ++slot)
-        clearing << (slot == 0 ? u"H:Stado: 000"_s : u"H:Stado: "_s)
-                 << u"S:Czyszczenie danych RZ"_s << u"S:Czyszczenie danych GT"_s;
+        clearing << (slot == 0 ? u"H:Stado: 000"_s : u"H:Stado: "_s) << u"S:Czyszczenie danych RZ"_s
+                 << u"S:Czyszczenie danych GT"_s;
     clearing << u"S:Tworzenie grup technologicznych"_s;
-    const QStringList download{
-        u"H:"_s, u"S:"_s, // the busy status bar of the long operation
-        u"S:Autoryzacja"_s, u"S:Pobieranie listy stad"_s,
-        u"H:Stado: 001"_s, u"S:Pobieranie danych"_s, u"S:Rozczytywanie danych"_s,
-        u"S:Pobier. dod. inform.: PL001"_s, u"S:Rozczytywanie danych: PL001"_s,
-        u"S:Pobier. dod. inform.: PL004"_s, u"S:Rozczytywanie danych: PL004"_s};
+    const QStringList download{u"H:"_s,
+                               u"S:"_s, // the busy status bar of the long operation
+                               u"S:Autoryzacja"_s,
+                               u"S:Pobieranie listy stad"_s,
+                               u"H:Stado: 001"_s,
+                               u"S:Pobieranie danych"_s,
+                               u"S:Rozczytywanie danych"_s,
+                               u"S:Pobier. dod. inform.: PL001"_s,
+                               u"S:Rozczytywanie danych: PL001"_s,
+                               u"S:Pobier. dod. inform.: PL004"_s,
+                               u"S:Rozczytywanie danych: PL004"_s};
     QCOMPARE(d.host.statusLog, clearing + download);
 
     const qsizetype cleared = d.host.progressLog.indexOf(u"1:64/65"_s);
     QCOMPARE(cleared, 3 + 63); // busy (2 bars), maximum 65, then 64 steps
     QCOMPARE(d.host.progressLog.mid(cleared + 1),
-             (QStringList{u"1:0/2"_s, u"2:0/100"_s,             // busy again
-                          u"1:1/2"_s, u"1:2/2"_s,               // log-in, holdings
-                          u"1:2/3"_s, u"1:3/3"_s,               // one active herd + 2, the herd
+             (QStringList{u"1:0/2"_s, u"2:0/100"_s,                          // busy again
+                          u"1:1/2"_s, u"1:2/2"_s,                            // log-in, holdings
+                          u"1:2/3"_s, u"1:3/3"_s,                            // one active herd + 2, the herd
                           u"2:0/2"_s, u"2:1/2"_s, u"2:2/2"_s, u"2:0/2"_s})); // the herd's animals
     QCOMPARE(d.session.errors(), QStringList{u"Nie aktywne stado: 071234562-003"_s});
     QVERIFY(d.host.messages.empty());
@@ -501,8 +507,8 @@ void TestDownload::gatherCredentials_data()
     QTest::addColumn<QString>("gathered"); // login, password, producer
     QTest::newRow("fields") << false << u"jan"_s << u"jan|haslo|123456789"_s;
     QTest::newRow("fields, even without a login") << false << QString() << u"|haslo|123456789"_s;
-    QTest::newRow("test credentials for an empty login") << true << QString()
-                                                         << u"uzytkownik.testowy.1|Zielonka7Kb2!|071234562"_s;
+    QTest::newRow("test credentials for an empty login")
+        << true << QString() << u"uzytkownik.testowy.1|Zielonka7Kb2!|071234562"_s;
     QTest::newRow("a typed login wins over the test credentials") << true << u"jan"_s << u"jan|haslo|123456789"_s;
 }
 

@@ -108,9 +108,7 @@ void TestRecords::codePairsAreCutAndToleratePartialObjects()
     QFETCH(QString, plec);
     QFETCH(QString, kod);
     QFETCH(QString, opis);
-    const QByteArray json = (uR"({"plec":)"_s + plec + uR"(,"historiaZdarzen":)"_s + plec +
-                             u'}')
-                                .toUtf8();
+    const QByteArray json = (uR"({"plec":)"_s + plec + uR"(,"historiaZdarzen":)"_s + plec + u'}').toUtf8();
     const auto animal = Animal(json.constData());
     QCOMPARE(animal->plec.kod, kod);
     QCOMPARE(animal->plec.opis, opis);
@@ -125,7 +123,7 @@ void TestRecords::wrongTypesRaiseANamedConversionError_data()
     const auto row = [](const char* name, const char* json, int record, const char* key, const char* value) {
         QTest::newRow(name) << QByteArray(json) << record
                             << uR"(Błąd konwersji: pole "%1", wartość "%2")"_s.arg(QString::fromUtf8(key),
-                                                                                  QString::fromUtf8(value));
+                                                                                   QString::fromUtf8(value));
     };
     row("integer as text", R"({"lp":"abc"})", 0, "lp", "abc");
     row("fractional integer", R"({"lp":1.5})", 0, "lp", "1.5");
@@ -141,8 +139,9 @@ void TestRecords::wrongTypesRaiseANamedConversionError_data()
     row("holding: number as text", R"({"adresDzialalnosciPozycjaX":"x"})", 1, "adresDzialalnosciPozycjaX", "x");
     row("holding: nested text as number", R"({"listaPastwisk":[{"listaPunktowPolozenia":[{"numerArkuszaMapy":1}]}]})",
         1, "numerArkuszaMapy", "1");
-    row("holding: keeper's flag as a number", R"({"listaOsobOpiekujacychSieZwierzetami":[{"producentJestWlascicielem":1}]})",
-        1, "producentJestWlascicielem", "1");
+    row("holding: keeper's flag as a number",
+        R"({"listaOsobOpiekujacychSieZwierzetami":[{"producentJestWlascicielem":1}]})", 1, "producentJestWlascicielem",
+        "1");
     row("document: date as number", R"({"dataUtworzenia":20261123})", 2, "dataUtworzenia", "20261123");
 }
 
@@ -228,8 +227,8 @@ void TestRecords::holdingReadsEveryNestedList()
 void TestRecords::errorEntries()
 {
     OwningList<TBladClass> errors;
-    ParseList(Json(R"({"bledy":[{"kodBledu":"ZW-404","komunikat":"Nie znaleziono"},{"komunikat":null}]})"),
-              u"bledy"_s, errors);
+    ParseList(Json(R"({"bledy":[{"kodBledu":"ZW-404","komunikat":"Nie znaleziono"},{"komunikat":null}]})"), u"bledy"_s,
+              errors);
     QCOMPARE(errors.size(), 2u);
     QCOMPARE(errors[0]->kodBledu, u"ZW-404"_s);
     QCOMPARE(errors[1]->komunikat, QString());

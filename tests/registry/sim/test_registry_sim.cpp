@@ -2,7 +2,6 @@
 #include "registry/sim/SimCommandLine.h"
 
 #include <QCommandLineParser>
-
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QJsonArray>
@@ -11,7 +10,6 @@
 #include <QNetworkReply>
 #include <QRegularExpression>
 #include <QTest>
-
 
 using namespace Qt::StringLiterals;
 
@@ -64,12 +62,14 @@ QString Holding(int n)
 QString AnimalList(const QString& holding, const QString& extra = {})
 {
     return u"/api/indywidualne/zwierze/api/prod/zwierzetaIndywidualne?numerProducenta=071234562&gatunek=BYD"
-                          u"&numerDzialalnosci="_s + holding + extra;
+           u"&numerDzialalnosci="_s +
+           holding + extra;
 }
 QString Single(const QString& tag)
 {
     return u"/api/indywidualne/zwierze/api/test/zwierzeIndywidualne?numerProducenta=071234562"
-                          u"&numerIdentyfikacyjnyZwierzecia="_s + tag;
+           u"&numerIdentyfikacyjnyZwierzecia="_s +
+           tag;
 }
 
 SimDataset Demo()
@@ -197,14 +197,14 @@ void TestRegistrySim::faultOptionsOfTheProgram()
     QVERIFY(parser.parse(QStringList{u"halvarn-registry-sim"_s}));
     const SimFaults none = FaultsFrom(parser);
     QVERIFY(none.httpErrorAnimals.isEmpty() && none.slowHerds.isEmpty() && !none.refuseLogin && none.slowMs == 0);
-    QVERIFY(parser.parse(u"halvarn-registry-sim --fail-animal A1 --fail-animal=A2 --fail-herd H1 --fail-holdings "
-                         u"--komunikat-animal A3 --komunikat-herd H2 --not-json-animal A4 --not-json-herd H3 "
-                         u"--not-json-holdings --slow-animal A5 --slow-herd H4 --slow-ms 2500 --refuse-login"_s
-                             .split(u' ')));
+    QVERIFY(parser.parse(
+        u"halvarn-registry-sim --fail-animal A1 --fail-animal=A2 --fail-herd H1 --fail-holdings "
+        u"--komunikat-animal A3 --komunikat-herd H2 --not-json-animal A4 --not-json-herd H3 "
+        u"--not-json-holdings --slow-animal A5 --slow-herd H4 --slow-ms 2500 --refuse-login"_s.split(u' ')));
     const SimFaults f = FaultsFrom(parser);
     QCOMPARE(f.httpErrorAnimals, (QSet<QString>{u"A1"_s, u"A2"_s}));
-    const QList<QSet<QString>> sets{f.komunikatAnimals, f.notJsonAnimals, f.slowAnimals,
-                                    f.httpErrorHerds,   f.komunikatHerds, f.notJsonHerds, f.slowHerds};
+    const QList<QSet<QString>> sets{f.komunikatAnimals, f.notJsonAnimals, f.slowAnimals, f.httpErrorHerds,
+                                    f.komunikatHerds,   f.notJsonHerds,   f.slowHerds};
     QCOMPARE(sets, (QList<QSet<QString>>{{u"A3"_s}, {u"A4"_s}, {u"A5"_s}, {u"H1"_s}, {u"H2"_s}, {u"H3"_s}, {u"H4"_s}}));
     QVERIFY(f.httpErrorHoldings && !f.komunikatHoldings && f.notJsonHoldings && f.refuseLogin);
     QCOMPARE(f.slowMs, 2500);
