@@ -41,7 +41,8 @@ clean:
 FORMATTED = $(shell git ls-files '*.cpp' '*.h')
 
 format: bootstrap
-	clang-format -i $(FORMATTED)
+	@clang-format -i $(FORMATTED)
 
 format-check: bootstrap
-	clang-format --dry-run --Werror $(FORMATTED)
+	@clang-format --dry-run --Werror $(FORMATTED) && echo "format-check: $(words $(FORMATTED)) files follow .clang-format"
+
