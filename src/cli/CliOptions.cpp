@@ -103,8 +103,8 @@ bool ReadCheckedValues(const QCommandLineParser& parser, CliOptions& options, QS
     const auto isSet = [&](const char* name) { return parser.isSet(QLatin1String(name)); };
     return optionalDate("state-date", inputs.stateDate) && optionalDate("reference-date", inputs.referenceDate) &&
            (!isSet("kinds") || ParseKinds(parser.value(u"kinds"_s), inputs.flags, error)) &&
-           optionalCount("parallel", 64, options.parallel) &&
-           optionalCount("timeout-seconds", 3600, options.timeoutSeconds) &&
+           optionalCount("parallel", MaxParallelRequestsLimit, options.parallel) &&
+           optionalCount("timeout-seconds", TimeoutSecondsLimit, options.timeoutSeconds) &&
            (!isSet("producer") || CheckProducerNumber(inputs.producerNumber, error)) &&
            ReadPassword(parser, inputs.password, error);
 }

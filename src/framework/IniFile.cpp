@@ -14,6 +14,11 @@ bool SameName(const QString& a, const QString& b)
 {
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
+
+QString ValueOf(const QString& keyLine)
+{
+    return keyLine.mid(keyLine.indexOf(u'=') + 1).trimmed();
+}
 } // namespace
 
 IniFile::IniFile(QString path) : path_(std::move(path))
@@ -84,9 +89,7 @@ const QString* IniFile::findValue(const QString& section, const QString& key) co
 QString IniFile::readString(const QString& section, const QString& key, const QString& defaultValue) const
 {
     const QString* line = findValue(section, key);
-    if (!line)
-        return defaultValue;
-    return line->mid(line->indexOf(u'=') + 1).trimmed();
+    return line ? ValueOf(*line) : defaultValue;
 }
 
 int IniFile::readInteger(const QString& section, const QString& key, int defaultValue) const
@@ -102,7 +105,7 @@ int IniFile::readInteger(const QString& section, const QString& key, int default
     const QString* line = findValue(section, key);
     if (!line)
         return defaultValue;
-    const QString text = readString(section, key, QString());
+    const QString text = ValueOf(*line);
     bool ok = false;
     const int value = text.toInt(&ok);
     if (ok && value >= range.least && value <= range.most)

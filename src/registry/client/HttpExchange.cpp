@@ -35,12 +35,7 @@ QString TransportWords(QNetworkReply::NetworkError error)
     case QNetworkReply::SslHandshakeFailedError: return u"Nie udało się nawiązać bezpiecznego połączenia z serwerem"_s;
     case QNetworkReply::TooManyRedirectsError: return u"Serwer przekierowuje zapytanie zbyt wiele razy"_s;
     case QNetworkReply::InsecureRedirectError: return u"Serwer przekierował zapytanie pod niedozwolony adres"_s;
-    case QNetworkReply::ConnectionRefusedError:
-    case QNetworkReply::HostNotFoundError:
-    case QNetworkReply::TemporaryNetworkFailureError:
-    case QNetworkReply::NetworkSessionFailedError:
-    case QNetworkReply::UnknownNetworkError: return u"Brak połączenia z serwerem"_s;
-    default:
+    default: // the other network and proxy errors: refused, host not found, network down, …
         return error < QNetworkReply::ContentAccessDenied ? u"Brak połączenia z serwerem"_s
                                                           : u"Błąd komunikacji z serwerem"_s;
     }
@@ -169,23 +164,25 @@ void HttpExchange::abortFor(Abort reason)
     reply_->abort();
 }
 
+bool HttpExchange::stopAsked() const
+{
+    return rules_.cancelRequested && rules_.cancelRequested();
+}
+
 const HttpResult& HttpExchange::wait()
 {
+    if (!reply_->isFinished() && stopAsked())
+        abortFor(Abort::Cancelled);
     if (!reply_->isFinished()) {
         QEventLoop loop;
         QTimer poll;
         QObject::connect(reply_.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-        if (rules_.cancelRequested) {
-            QObject::connect(&poll, &QTimer::timeout, &loop, [this] {
-                if (rules_.cancelRequested())
-                    abortFor(Abort::Cancelled);
-            });
-            poll.start(CancelPollMs);
-        }
-        if (!(rules_.cancelRequested && rules_.cancelRequested()))
-            loop.exec();
-        else
-            abortFor(Abort::Cancelled);
+        QObject::connect(&poll, &QTimer::timeout, &loop, [this] {
+            if (stopAsked())
+                abortFor(Abort::Cancelled);
+        });
+        poll.start(CancelPollMs);
+        loop.exec();
     }
     collect();
     return result_;

@@ -74,6 +74,7 @@ private:
     void onRedirect(const QUrl& target);
     void readArrived();
     void abortFor(Abort reason);
+    bool stopAsked() const;
     void collect();
     QString failureText() const;
 

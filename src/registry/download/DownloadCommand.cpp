@@ -206,10 +206,7 @@ void DownloadCommand::readHerd(const TStadoClass& herd, int index, WelfareAnalys
         const QString reason = readHerdAnimals(read, index, analysis);
         if (!reason.isEmpty())
             markIncomplete(read, reason);
-    } catch (const RequestCancelled& stop) {
-        markIncomplete(read, stop.message());
-        throw;
-    } catch (const std::exception& error) {
+    } catch (const std::exception& error) { // a stop by the user as well
         markIncomplete(read, QString::fromUtf8(error.what()));
         throw;
     }
@@ -254,11 +251,7 @@ QString DownloadCommand::readHerdAnimals(HerdRead& herd, int index, WelfareAnaly
     }
     herd.listed = static_cast<qsizetype>(animals.size());
     ++session_.herdCount;
-    THerdSlot& target = session_.tables().HerdSlots[static_cast<std::size_t>(herd.slot)];
-    target.Code = herd.code;
-    target.Index = index;
-    target.Visible = true;
-    session_.tables().HerdSlots[0].Visible = true;
+    showSlot(herd).Index = index;
     const QString reason = readAnimals(animals, herd, analysis);
     session_.setProgress(2, 0, session_.progress(2).maximum);
     return reason;
@@ -318,12 +311,19 @@ void DownloadCommand::markIncomplete(const HerdRead& herd, const QString& reason
                                            : u"odczytano %1 z %2 zwierząt"_s.arg(herd.read).arg(herd.listed);
     const QString line =
         u"Stado %1 (działalność %2) niepełne: %3. Przyczyna: %4"_s.arg(herd.code, herd.number, extent, reason);
-    THerdSlot& slot = session_.tables().HerdSlots[static_cast<std::size_t>(herd.slot)];
+    showSlot(herd).Incomplete = line;
+    session_.appendError(line);
+}
+
+// The herd's tab is shown with its code, and "Ogółem" with it.
+THerdSlot& DownloadCommand::showSlot(const HerdRead& herd)
+{
+    auto& slots = session_.tables().HerdSlots;
+    THerdSlot& slot = slots[static_cast<std::size_t>(herd.slot)];
     slot.Code = herd.code;
     slot.Visible = true;
-    slot.Incomplete = line;
-    session_.tables().HerdSlots[0].Visible = true;
-    session_.appendError(line);
+    slots[0].Visible = true;
+    return slot;
 }
 
 // The age formula still applies to an animal born after the reference date; the

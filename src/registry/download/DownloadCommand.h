@@ -47,6 +47,7 @@ private:
     QString readAnimals(const OwningList<TZZIInfoClass>& animals, HerdRead& herd, WelfareAnalysis& analysis);
     int calfAge(const OwningList<TZZIInfoClass>& animals, const QString& cowNumber) const;
     void markIncomplete(const HerdRead& herd, const QString& reason);
+    THerdSlot& showSlot(const HerdRead& herd);
     void reportLateReferenceDate();
     QString fail(const QString& text);
 
