@@ -27,7 +27,8 @@ test: build $(ASAN_BUILD)/build.ninja
 	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ctest --output-on-failure -j $(JOBS) -L unit
 
 demo: build
-	$(BUILD)/src/cli/halvarn-cli download --demo --data-dir $(BUILD)/demo-data --export-dir $(BUILD)/demo-data/EXPORT
+	$(BUILD)/src/cli/halvarn-cli download --demo --data-dir $(BUILD)/demo-data --export-dir $(BUILD)/demo-data/EXPORT \
+	  --pdf-dir $(BUILD)/demo-data/PDF
 
 bench: build
 	@for b in $(BUILD)/bench/bench_* $(BUILD)/bench/gui/bench_*; do \

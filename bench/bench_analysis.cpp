@@ -1,5 +1,6 @@
 // Catalogue rebuild plus writing and analysing 100,000 animals over 20 herds,
 // the way a download writes and counts them. Prints time and peak memory.
+#include "BenchSupport.h"
 #include "analysis/AgeInMonths.h"
 #include "analysis/GroupCatalogue.h"
 #include "analysis/WelfareAnalysis.h"
@@ -8,9 +9,6 @@
 
 #include <QElapsedTimer>
 #include <QTextStream>
-
-#include <sys/resource.h>
-#include <time.h>
 
 using namespace Qt::StringLiterals;
 
@@ -58,21 +56,6 @@ std::unique_ptr<TZZIInfoClass> MakeAnimal(quint64& state, int herd, int index, T
     return animal;
 }
 
-// CPU time of this process: on a shared machine it shows the work itself,
-// whatever else the cores are doing meanwhile.
-qint64 CpuNanoseconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return qint64(now.tv_sec) * 1'000'000'000 + now.tv_nsec;
-}
-
-long PeakMegabytes()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024;
-}
 } // namespace
 
 int main()

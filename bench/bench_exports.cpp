@@ -1,34 +1,18 @@
 // 60,000 animals exported as the summary workbook and as the text file.
+#include "BenchSupport.h"
 #include "core/session/HalvarnSession.h"
 #include "export/ExportCommands.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTextStream>
 
 #include <numeric>
-#include <time.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-class SilentHost : public OperationHost {
-public:
-    std::vector<int> rows;
-    void statusModeChanged(bool, bool) override {}
-    void statusTextChanged(StatusPanel, const QString&) override {}
-    void progressChanged(int, int, int) override {}
-    void memoAppended(Memo, const QString&) override {}
-    void memoCleared(Memo) override {}
-    void showMessage(const QString&, const QString&, MessageIcon) override {}
-    bool askYesNo(const QString&, const QString&) override { return false; }
-    std::optional<QString> askHerd() override { return u"ALL"_s; }
-    std::vector<int> summaryRowsInDisplayOrder() override { return rows; }
-    void openWithDesktop(const QString&) override {}
-};
-
 void Fill(Table& summary, int animals)
 {
     const QString female = u"Samica"_s, meat = u"Mięsny"_s;
@@ -52,25 +36,6 @@ void Fill(Table& summary, int animals)
     }
 }
 
-qint64 CpuNanoseconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return qint64(now.tv_sec) * 1'000'000'000 + now.tv_nsec;
-}
-
-// Wall time, and the CPU time of this process: on a shared machine the second
-// shows the work itself, whatever else the cores are doing meanwhile.
-template <class F> QString Seconds(F&& run)
-{
-    QElapsedTimer timer;
-    timer.start();
-    const qint64 cpuStart = CpuNanoseconds();
-    run();
-    const double cpu = static_cast<double>(CpuNanoseconds() - cpuStart) / 1e9;
-    return QString::number(static_cast<double>(timer.nsecsElapsed()) / 1e9, 'f', 3) + u" s (CPU "_s +
-           QString::number(cpu, 'f', 3) + u" s)"_s;
-}
 } // namespace
 
 int main(int argc, char* argv[])
@@ -90,8 +55,8 @@ int main(int argc, char* argv[])
     ExportCommands exports(session);
     QTextStream out(stdout);
     out << "animals: " << Animals << Qt::endl;
-    out << "Export XLS: " << Seconds([&] { exports.exportSummaryXls(); }) << ", target < 1 s" << Qt::endl;
-    out << "Export CSV: " << Seconds([&] { exports.exportSummaryCsv(); }) << ", target < 1 s" << Qt::endl;
+    out << "Export XLS: " << Measure([&] { exports.exportSummaryXls(); }).text() << ", target < 1 s" << Qt::endl;
+    out << "Export CSV: " << Measure([&] { exports.exportSummaryCsv(); }).text() << ", target < 1 s" << Qt::endl;
     // Both files must really be there: a failed export would otherwise look fast.
     const int written = QDir(session.dataFolder().exportFolder()).entryList(QDir::Files).size();
     out << "files written: " << written << " of 2" << Qt::endl;

@@ -134,6 +134,8 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
         Value("data-dir", "folder danych programu", "DIR"),
         Value("dump-json", "zapisz stan tabel do pliku JSON", "FILE"),
         Value("export-dir", "zapisz eksporty do folderu", "DIR"),
+        Value("pdf-dir", "zapisz wydruki zwierząt i grup technologicznych jako PDF do folderu", "DIR"),
+        Value("herd", "stado wydruków PDF: ALL, 000 albo kod stada (domyślnie ALL)", "HERD"),
         {u"demo"_s, u"użyj wbudowanego symulatora rejestru"_s},
         {u"yes"_s, u"odpowiadaj Tak na pytania"_s},
     });
@@ -151,6 +153,9 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
     dataDir = parser.value(u"data-dir"_s);
     dumpJson = parser.value(u"dump-json"_s);
     exportDir = parser.value(u"export-dir"_s);
+    pdfDir = parser.value(u"pdf-dir"_s);
+    if (parser.isSet(u"herd"_s))
+        herd = parser.value(u"herd"_s);
     demo = parser.isSet(u"demo"_s);
     answerYes = parser.isSet(u"yes"_s);
     if (parser.isSet(u"sso-base"_s))

@@ -16,6 +16,8 @@ struct CliOptions {
     QString dataDir;
     QString dumpJson;
     QString exportDir;
+    QString pdfDir;
+    QString herd = u"ALL"_s;
     std::optional<QString> ssoBase;
     std::optional<QString> apiBase;
     std::optional<int> parallel;

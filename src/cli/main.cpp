@@ -1,5 +1,6 @@
 #include "cli/CliHost.h"
 #include "cli/CliOptions.h"
+#include "cli/CliPrints.h"
 #include "cli/GroupReport.h"
 #include "core/session/HalvarnSession.h"
 #include "core/session/SessionDump.h"
@@ -9,9 +10,10 @@
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
 #include "registry/sim/RegistrySimulator.h"
+#include "reports/ShippedTemplates.h"
 
-#include <QCoreApplication>
 #include <QDir>
+#include <QGuiApplication>
 #include <QTextStream>
 
 #include <memory>
@@ -54,18 +56,26 @@ bool WriteExports(HalvarnSession& session, CliHost& host, const QString& folder)
     return listed(exports.writeSummaryCsv(path), path) && written;
 }
 
-// Exports follow only a download that ran to its end, so a stopped one leaves
-// the files of an earlier run as they were. A failed export still leaves the
-// dump, with the export's message in it.
+// Exports and prints follow only a download that ran to its end, so a stopped
+// one leaves the files of an earlier run as they were. A failed export still
+// leaves the dump, with the export's message in it.
 bool ExportsFailed(DownloadOutcome outcome, const CliOptions& options, HalvarnSession& session, CliHost& host)
 {
-    if (options.exportDir.isEmpty())
+    if (options.exportDir.isEmpty() && options.pdfDir.isEmpty())
         return false;
     if (!RanToItsEnd(outcome)) {
         QTextStream(stderr) << u"Eksport pominięty: pobieranie nie dobiegło końca"_s << Qt::endl;
         return false;
     }
-    return !WriteExports(session, host, options.exportDir);
+    const bool exported = options.exportDir.isEmpty() || WriteExports(session, host, options.exportDir);
+    const bool printed = options.pdfDir.isEmpty() || WriteHerdPrints(session, options.pdfDir, options.herd);
+    return !(exported && printed);
+}
+
+void InstallTemplates(const DataFolder& folder)
+{
+    for (const QString& failure : InstallShippedTemplates(folder.templatesFolder()).failed)
+        QTextStream(stderr) << failure << Qt::endl;
 }
 
 bool WriteDump(const QString& path, HalvarnSession& session, const CliHost& host)
@@ -87,6 +97,7 @@ int RunDownload(const CliOptions& options)
         err << u"Nie można utworzyć folderu danych: "_s << folder.root() << Qt::endl;
         return StoppedEarly;
     }
+    InstallTemplates(folder);
     RegistryConfig config = RegistryConfig::read(IniFile(folder.settingsFile()));
     options.applyTo(config);
 
@@ -117,9 +128,14 @@ int RunDownload(const CliOptions& options)
 
 int main(int argc, char* argv[])
 {
-    QCoreApplication app(argc, argv);
+    // Prints need fonts, hence a GUI application; the command line has no screen.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
     QCoreApplication::setApplicationName(u"Halvarn"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(HALVARN_VERSION));
+    if (app.arguments().value(1) == u"render")
+        return RunRender(app.arguments());
     CliOptions options;
     QString error;
     if (!options.parse(app.arguments(), error)) {

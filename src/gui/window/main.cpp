@@ -2,6 +2,7 @@
 #include "gui/window/ApplicationSetup.h"
 #include "gui/window/TfHalvarnMain.h"
 #include "registry/sim/RegistrySimulator.h"
+#include "reports/ShippedTemplates.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -47,6 +48,9 @@ int main(int argc, char* argv[])
         Refuse(u"Nie można utworzyć folderu danych: "_s + folder.root());
         return 1;
     }
+    const TemplateInstallResult templates = InstallShippedTemplates(folder.templatesFolder());
+    if (!templates.failed.isEmpty())
+        QMessageBox::warning(nullptr, u"Ostrzeżenie"_s, templates.failed.join(u'\n'));
     RegistryConfig registry = RegistryConfig::read(IniFile(folder.settingsFile()));
     std::unique_ptr<RegistrySimulator> simulator;
     const DemoOptions demo;

@@ -1,0 +1,146 @@
+#include "reports/print/PrintCommands.h"
+
+#include "core/session/HalvarnSession.h"
+#include "reports/TemplateReader.h"
+#include "reports/print/TdmulmxDataBase_FR3.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+PrintCommands::PrintCommands(HalvarnSession& session, TdmulmxDataBase_FR3& reports)
+    : session_(session), reports_(reports)
+{}
+
+QString PrintCommands::templateName(HerdPrint kind)
+{
+    return kind == HerdPrint::Animals ? u"Rozczytane zwierzęta.fr3"_s : u"Grupy technologiczne.fr3"_s;
+}
+
+QString PrintCommands::filteredTemplateName()
+{
+    return u"Rozczytane zwierzęta z filtrem.fr3"_s;
+}
+
+QString PrintCommands::useChangeTemplateName()
+{
+    return u"Zgłoszenie zmieny TUKU.fr3"_s;
+}
+
+QString PrintCommands::templatePath(const QString& name) const
+{
+    return session_.dataFolder().templatesFolder() + name;
+}
+
+std::optional<PreparedReport> PrintCommands::printHerds(HerdPrint kind)
+{
+    const std::optional<QString> herd = session_.host().askHerd();
+    if (!herd)
+        return std::nullopt;
+    return prepareHerds(kind, *herd);
+}
+
+std::optional<PreparedReport> PrintCommands::prepareHerds(HerdPrint kind, const QString& herd)
+{
+    return prepare(templateName(kind), [&] { bindHerds(kind, herd); });
+}
+
+std::optional<PreparedReport> PrintCommands::prepareFiltered()
+{
+    return prepare(filteredTemplateName(), [this] { bindFiltered(); });
+}
+
+std::optional<PreparedReport> PrintCommands::prepareUseChange()
+{
+    return prepare(useChangeTemplateName(), [this] { bindUseChange(); });
+}
+
+// Every print starts afresh: links reset, the template read again, then bound.
+std::optional<PreparedReport> PrintCommands::prepare(const QString& templateName, const std::function<void()>& bind)
+{
+    reports_.ResetReportLinks(session_.tables());
+    if (!loadTemplate(templateName))
+        return std::nullopt;
+    bind();
+    return reports_.prepare();
+}
+
+// The overall section for "ALL" and "000", then every slot that holds a
+// downloaded herd, in slot order, for "ALL" or the herd whose code is the
+// choice exactly as typed.
+void PrintCommands::bindHerds(HerdPrint kind, const QString& herd)
+{
+    WorkingTables& tables = session_.tables();
+    const auto tableOf = [kind](const THerdSlot& slot) -> const Table& {
+        return kind == HerdPrint::Animals ? *slot.AnimalsTable : *slot.GroupsTable;
+    };
+    const bool all = herd == u"ALL";
+    bool headerDone = all || herd == u"000";
+    reports_.frxDBDataset(TdmulmxDataBase_FR3::OverallLink).table =
+        headerDone ? &tableOf(tables.HerdSlots[0]) : &tables.mdEmpty();
+    int position = 1;
+    for (int i = 1; i < HerdSlotCount; ++i) {
+        const THerdSlot& slot = tables.HerdSlots[static_cast<std::size_t>(i)];
+        if (slot.Visible && (all || herd == slot.Code))
+            reports_.AddHerdSection(tableOf(slot), slot.Code, position, headerDone);
+    }
+}
+
+void PrintCommands::bindFiltered()
+{
+    copyShownRowsToReport();
+    reports_.frxDBDataset(1).table = &session_.tables().mdRaport1();
+}
+
+void PrintCommands::bindUseChange()
+{
+    reports_.frxDBDataset(1).table = &session_.tables().mdTUKU();
+}
+
+void PrintCommands::copyShownRowsToReport()
+{
+    static const QString copied[]{u"ZAZNACZONE"_s,
+                                  u"STADO"_s,
+                                  u"NumerIdentyfikacyjny"_s,
+                                  u"DataUrodzenia"_s,
+                                  u"Wiek"_s,
+                                  u"TypUzytkowy"_s,
+                                  u"KierunekUzytkowania"_s,
+                                  u"Rozpatrzono"_s,
+                                  u"GdzieRozpatrzono"_s,
+                                  u"CzyMatka"_s,
+                                  u"Plec"_s};
+    Table& summary = session_.tables().mdRZ00();
+    Table& report = session_.tables().mdRaport1();
+    report.removeAll();
+    for (const int row : session_.host().summaryRowsInDisplayOrder()) {
+        report.append();
+        for (const QString& field : copied)
+            report.setValue(field, summary.at(row, summary.requireField(field)));
+        report.post();
+    }
+}
+
+bool PrintCommands::loadTemplate(const QString& name)
+{
+    const QString path = templatePath(name);
+    if (!QFileInfo::exists(path)) {
+        ShowTemplateMissing(path);
+        return false;
+    }
+    try {
+        reports_.frxReport.loadFromFile(path);
+        return true;
+    } catch (const TemplateError& error) {
+        session_.host().showMessage(u"Błąd..."_s, error.message(), MessageIcon::Error);
+        return false;
+    }
+}
+
+// The caption is spelt without its ogonek, as users know it.
+void PrintCommands::ShowTemplateMissing(const QString& path)
+{
+    session_.host().showMessage(u"Bład..."_s, u"Nie znaleziono szablonu: \"%1\""_s.arg(QDir::toNativeSeparators(path)),
+                                MessageIcon::Error);
+}
