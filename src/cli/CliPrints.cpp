@@ -90,16 +90,16 @@ bool RestoreState(HalvarnSession& session, const QString& path, QString& error)
     }
 }
 
-void Bind(PrintCommands& prints, CliHost& host, HalvarnSession& session, const RenderOptions& options)
+PrintJob JobOf(PrintCommands& prints, CliHost& host, HalvarnSession& session, const RenderOptions& options)
 {
-    if (options.print == u"animals" || options.print == u"groups")
-        prints.bindHerds(options.print == u"animals" ? HerdPrint::Animals : HerdPrint::Groups, options.herd);
-    else if (options.print == u"filtered") {
-        host.setSummaryRowCount(session.tables().mdRZ00().recordCount());
-        prints.bindFiltered();
-    } else {
-        prints.bindUseChange();
-    }
+    if (options.print == u"animals")
+        return prints.herds(HerdPrint::Animals, options.herd);
+    if (options.print == u"groups")
+        return prints.herds(HerdPrint::Groups, options.herd);
+    if (options.print == u"use-change")
+        return prints.useChange();
+    host.setSummaryRowCount(session.tables().mdRZ00().recordCount());
+    return prints.filtered();
 }
 
 QString PdfName(const QString& templateName, const QString& producer)
@@ -126,17 +126,18 @@ int RunRender(const QStringList& arguments)
         err << error << Qt::endl;
         return BadArguments;
     }
+    ReportTemplate loaded;
     try {
-        reports.frxReport.loadFromFile(options.templatePath);
+        loaded = ReadTemplate(options.templatePath);
     } catch (const TemplateError& failure) {
         err << failure.message() << Qt::endl;
         return TemplateUnreadable;
     }
-    if (!options.statePath.isEmpty()) {
-        reports.ResetReportLinks(session.tables());
-        Bind(prints, host, session, options);
-    }
-    const PreparedReport report = reports.prepare();
+    // A fresh data module has its thirty links, each bound to nothing.
+    reports.frxReport.setTemplate(std::move(loaded));
+    const PreparedReport report =
+        options.statePath.isEmpty() ? reports.prepare()
+                                    : prints.runWith(JobOf(prints, host, session, options), reports.frxReport.report());
     QTextStream out(stdout);
     for (const QString& problem : report.problems)
         out << u"Nieobsługiwane: "_s << problem << Qt::endl;

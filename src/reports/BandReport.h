@@ -8,7 +8,7 @@
 class BandReport {
 public:
     void loadFromFile(const QString& path); // throws TemplateError
-    void clear() { report_ = {}; }
+    void setTemplate(ReportTemplate report) { report_ = std::move(report); }
 
     const ReportTemplate& report() const { return report_; }
     ReportObject* findObject(const QString& name) { return report_.findObject(name); }

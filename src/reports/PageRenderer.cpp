@@ -141,7 +141,7 @@ private:
 
 } // namespace
 
-void PaintPage(QPainter& painter, const PreparedReport& report, int page, double deviceDpi)
+void PaintPage(QPainter& painter, const PreparedReport& report, int page, double deviceDpi, int highlighted)
 {
     if (page < 0 || page >= report.pageCount())
         return;
@@ -149,8 +149,11 @@ void PaintPage(QPainter& painter, const PreparedReport& report, int page, double
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::TextAntialiasing);
     PagePainter pagePainter(painter, report, deviceDpi);
-    for (const PreparedItem& item : report.pages[static_cast<std::size_t>(page)].items)
+    const std::vector<PreparedItem>& items = report.pages[static_cast<std::size_t>(page)].items;
+    for (const PreparedItem& item : items)
         pagePainter.paint(item);
+    if (highlighted >= 0 && highlighted < static_cast<int>(items.size()))
+        painter.fillRect(items[static_cast<std::size_t>(highlighted)].rect, QColor(255, 200, 0, 110));
     painter.restore();
 }
 

@@ -5,6 +5,7 @@
 #include <QSizeF>
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 // How a prepared item looks; items of one template object share one style.
@@ -45,6 +46,13 @@ struct PreparedPage {
     std::vector<PreparedItem> items;
 };
 
+// Where a text was found: a page and the item on it.
+struct TextHit {
+    int page = 0;
+    int item = -1;
+    bool operator==(const TextHit&) const = default;
+};
+
 // The pages a report prepared from a template and its data: what the preview
 // shows, the printer prints and the PDF holds.
 struct PreparedReport {
@@ -55,4 +63,9 @@ struct PreparedReport {
 
     int pageCount() const { return static_cast<int>(pages.size()); }
     QStringList pageTexts(int page) const; // the page's texts in item order, for searching and checks
+
+    // The first text item after `after` (in page and item order, wrapping round
+    // to the start) that contains `text`; none when no item does.
+    std::optional<TextHit> find(const QString& text, TextHit after = {0, -1},
+                                Qt::CaseSensitivity cs = Qt::CaseInsensitive) const;
 };

@@ -469,7 +469,9 @@ void CheckWellFormed(const QXmlStreamReader& reader, const QString& path)
 {
     if (reader.hasError())
         throw TemplateError(u"Szablon \"%1\" jest uszkodzony (wiersz %2, kolumna %3): %4"_s.arg(
-            path, QString::number(reader.lineNumber()), QString::number(reader.columnNumber()), reader.errorString()));
+                                path, QString::number(reader.lineNumber()), QString::number(reader.columnNumber()),
+                                reader.errorString()),
+                            reader.lineNumber(), reader.columnNumber());
 }
 } // namespace
 

@@ -9,7 +9,15 @@
 // fault, its line and column.
 class TemplateError : public HalvarnError {
 public:
-    using HalvarnError::HalvarnError;
+    explicit TemplateError(const QString& message, qint64 line = 0, qint64 column = 0)
+        : HalvarnError(message), line_(line), column_(column)
+    {}
+    qint64 line() const { return line_; } // 0 when the fault is not at a place in the text
+    qint64 column() const { return column_; }
+
+private:
+    qint64 line_;
+    qint64 column_;
 };
 
 // Reads a band template. Unknown elements and attributes are skipped; objects

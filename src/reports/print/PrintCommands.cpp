@@ -33,36 +33,39 @@ QString PrintCommands::templatePath(const QString& name) const
     return session_.dataFolder().templatesFolder() + name;
 }
 
-std::optional<PreparedReport> PrintCommands::printHerds(HerdPrint kind)
+PrintJob PrintCommands::herds(HerdPrint kind, const QString& herd)
 {
-    const std::optional<QString> herd = session_.host().askHerd();
-    if (!herd)
-        return std::nullopt;
-    return prepareHerds(kind, *herd);
+    return {templateName(kind), [this, kind, herd] { bindHerds(kind, herd); }};
 }
 
-std::optional<PreparedReport> PrintCommands::prepareHerds(HerdPrint kind, const QString& herd)
+PrintJob PrintCommands::filtered()
 {
-    return prepare(templateName(kind), [&] { bindHerds(kind, herd); });
+    return {filteredTemplateName(), [this] {
+                copyShownRowsToReport();
+                reports_.frxDBDataset(1).table = &session_.tables().mdRaport1();
+            }};
 }
 
-std::optional<PreparedReport> PrintCommands::prepareFiltered()
+PrintJob PrintCommands::useChange()
 {
-    return prepare(filteredTemplateName(), [this] { bindFiltered(); });
-}
-
-std::optional<PreparedReport> PrintCommands::prepareUseChange()
-{
-    return prepare(useChangeTemplateName(), [this] { bindUseChange(); });
+    return {useChangeTemplateName(), [this] { reports_.frxDBDataset(1).table = &session_.tables().mdTUKU(); }};
 }
 
 // Every print starts afresh: links reset, the template read again, then bound.
-std::optional<PreparedReport> PrintCommands::prepare(const QString& templateName, const std::function<void()>& bind)
+std::optional<PreparedReport> PrintCommands::run(const PrintJob& job)
 {
     reports_.ResetReportLinks(session_.tables());
-    if (!loadTemplate(templateName))
+    if (!loadTemplate(job.templateName))
         return std::nullopt;
-    bind();
+    job.bind();
+    return reports_.prepare();
+}
+
+PreparedReport PrintCommands::runWith(const PrintJob& job, ReportTemplate report)
+{
+    reports_.ResetReportLinks(session_.tables());
+    reports_.frxReport.setTemplate(std::move(report));
+    job.bind();
     return reports_.prepare();
 }
 
@@ -85,17 +88,6 @@ void PrintCommands::bindHerds(HerdPrint kind, const QString& herd)
         if (slot.Visible && (all || herd == slot.Code))
             reports_.AddHerdSection(tableOf(slot), slot.Code, position, headerDone);
     }
-}
-
-void PrintCommands::bindFiltered()
-{
-    copyShownRowsToReport();
-    reports_.frxDBDataset(1).table = &session_.tables().mdRaport1();
-}
-
-void PrintCommands::bindUseChange()
-{
-    reports_.frxDBDataset(1).table = &session_.tables().mdTUKU();
 }
 
 void PrintCommands::copyShownRowsToReport()

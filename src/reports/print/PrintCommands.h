@@ -1,6 +1,7 @@
 #pragma once
 
 #include "reports/PreparedReport.h"
+#include "reports/ReportModel.h"
 
 #include <functional>
 #include <optional>
@@ -9,6 +10,13 @@ class HalvarnSession;
 class TdmulmxDataBase_FR3;
 
 enum class HerdPrint { Animals, Groups };
+
+// One print: the template it reads from the data folder's templates and how
+// it binds the report's links once the template is loaded.
+struct PrintJob {
+    QString templateName;
+    std::function<void()> bind;
+};
 
 // The prints of the main window, written once for every host: the template is
 // read from the data folder's templates, the links are bound to the working
@@ -21,28 +29,30 @@ public:
     static QString templateName(HerdPrint kind);
     static QString filteredTemplateName();
     static QString useChangeTemplateName();
-
-    // "Wydruk rozczytanych zwierząt", "Wydruk grup technologicznych": asks
-    // for the herd first; nothing when the user cancels.
-    std::optional<PreparedReport> printHerds(HerdPrint kind);
-    // The same for a herd choice given: "ALL", "000" or a herd code, as typed.
-    std::optional<PreparedReport> prepareHerds(HerdPrint kind, const QString& herd);
-    // "Wydruk": the summary rows the grid shows now, copied into mdRaport1.
-    std::optional<PreparedReport> prepareFiltered();
-    // The confirmation of a change of use direction, from mdTUKU.
-    std::optional<PreparedReport> prepareUseChange();
-
     QString templatePath(const QString& name) const;
 
-    // The links of each print, for a template already loaded.
-    void bindHerds(HerdPrint kind, const QString& herd);
-    void bindFiltered();
-    void bindUseChange();
+    // "Wydruk rozczytanych zwierząt", "Wydruk grup technologicznych": the herd
+    // choice is "ALL", "000" or a herd code, taken as typed.
+    PrintJob herds(HerdPrint kind, const QString& herd);
+    // "Wydruk": the summary rows the grid shows now, copied into mdRaport1.
+    PrintJob filtered();
+    // The confirmation of a change of use direction, from mdTUKU.
+    PrintJob useChange();
+
+    // Links reset, the job's template read afresh, bound and laid out.
+    std::optional<PreparedReport> run(const PrintJob& job);
+    // The same with a template given, as the template editor previews it.
+    PreparedReport runWith(const PrintJob& job, ReportTemplate report);
+
+    // Shorthands of run().
+    std::optional<PreparedReport> prepareHerds(HerdPrint kind, const QString& herd) { return run(herds(kind, herd)); }
+    std::optional<PreparedReport> prepareFiltered() { return run(filtered()); }
+    std::optional<PreparedReport> prepareUseChange() { return run(useChange()); }
 
 private:
-    std::optional<PreparedReport> prepare(const QString& templateName, const std::function<void()>& bind);
     bool loadTemplate(const QString& name);
     void ShowTemplateMissing(const QString& path);
+    void bindHerds(HerdPrint kind, const QString& herd);
     void copyShownRowsToReport();
 
     HalvarnSession& session_;
