@@ -8,8 +8,11 @@
 #include <QFontMetricsF>
 #include <QHash>
 #include <QImage>
+#include <QRegularExpression>
 
+#include <algorithm>
 #include <unordered_map>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -84,13 +87,25 @@ QString WithoutBrackets(const QString& condition)
     return trimmed;
 }
 
+// A [TotalPages#] shown as it is gets the count once the pages are done; an
+// expression that computes with it needs the count before, from a first pass.
+bool ComputesWithTotalPages(const QString& text)
+{
+    static const QRegularExpression shown(uR"(\[\s*<?TotalPages#?>?\s*(#[^\]]*)?\])"_s,
+                                          QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression named(uR"(\bTotalPages\b)"_s, QRegularExpression::CaseInsensitiveOption);
+    return text.contains(named) && QString(text).remove(shown).contains(named);
+}
+
 enum class BandRole { Content, Fixed };
 
 class Layout final : public ExpressionScope {
 public:
-    Layout(const ReportTemplate& report, const std::vector<DataLinkBinding>& links, const QDateTime& printedAt)
+    Layout(const ReportTemplate& report, const std::vector<DataLinkBinding>& links, const QDateTime& printedAt,
+           int totalPages)
         : report_(report)
     {
+        system_.totalPages = totalPages;
         for (const DataLinkBinding& binding : links)
             cursors_.push_back(std::make_unique<LinkCursor>(LinkCursor{binding.name, binding.table, -1}));
         system_.date = printedAt.date();
@@ -113,6 +128,8 @@ public:
         fillTotalPages();
         return std::move(result_);
     }
+
+    bool computesWithTotalPages() const { return computesWithTotalPages_; }
 
     const LinkCursor* link(const QString& name) override
     {
@@ -172,6 +189,8 @@ private:
             CompiledObject item{&object, KindOf(object.kind), styleIndex(object), {}};
             if (item.kind == ItemKind::Text) {
                 item.text = MemoText(object.text, object, *this);
+                computesWithTotalPages_ =
+                    computesWithTotalPages_ || (object.allowExpressions && ComputesWithTotalPages(object.text));
                 if (compiling_)
                     compiling_->usesPage = compiling_->usesPage || item.text.usesPage();
             }
@@ -250,8 +269,11 @@ private:
 
     void newPage()
     {
+        // The bands of a new page's top and bottom have children of their own.
+        std::vector<const ReportBand*> chain = std::exchange(childChain_, {});
         finishPage(false);
         startPage(false);
+        childChain_ = std::move(chain);
     }
 
     // ---- bands ---------------------------------------------------------------
@@ -319,9 +341,11 @@ private:
         }
     }
 
+    // A header printed again on every new page is no content of its own: a
+    // band after it that starts a new page does not leave it there alone.
     void openHeader(const ReportBand* header)
     {
-        printBand(header);
+        printBand(header, header && header->reprintOnNewPage ? BandRole::Fixed : BandRole::Content);
         if (header && header->reprintOnNewPage)
             reprinted_.push_back(header);
     }
@@ -355,7 +379,13 @@ private:
             pageHasContent_ = true;
         for (Aggregate* aggregate : compiled.resets)
             aggregate->reset();
-        printBand(tree_.childOf(*band), role);
+        // Children that name each other in a ring print once each, not forever.
+        const ReportBand* child = tree_.childOf(*band);
+        if (child && std::find(childChain_.begin(), childChain_.end(), child) == childChain_.end()) {
+            childChain_.push_back(band);
+            printBand(child, role);
+            childChain_.pop_back();
+        }
     }
 
     // Overlays and page footers keep their place and do not move the cursor.
@@ -450,6 +480,7 @@ private:
     QSet<QString> dataBandNames_;
     std::unordered_map<const ReportBand*, CompiledBand> bands_;
     CompiledBand* compiling_ = nullptr;
+    bool computesWithTotalPages_ = false;
     std::unordered_map<int, std::unique_ptr<QFontMetricsF>> metrics_;
     QImage measuringDevice_{1, 1, QImage::Format_RGB32};
 
@@ -463,6 +494,7 @@ private:
     bool pageHasContent_ = false;
     bool breakingPage_ = false; // printing the fixed top or bottom of a page: no further page break
     std::vector<const ReportBand*> reprinted_;
+    std::vector<const ReportBand*> childChain_; // the bands whose children are printing
     std::vector<std::pair<std::size_t, std::size_t>> totalPageItems_;
 };
 
@@ -471,6 +503,10 @@ private:
 PreparedReport PrepareReport(const ReportTemplate& report, const std::vector<DataLinkBinding>& links,
                              const QDateTime& printedAt)
 {
-    Layout layout(report, links, printedAt);
-    return layout.run();
+    Layout layout(report, links, printedAt, 0);
+    PreparedReport prepared = layout.run();
+    if (!layout.computesWithTotalPages())
+        return prepared;
+    Layout counted(report, links, printedAt, prepared.pageCount());
+    return counted.run();
 }

@@ -37,7 +37,8 @@ QByteArray RenderPdf(const PreparedReport& report, const PdfOptions& options)
         writer.setCreator(options.creator.isEmpty() ? ProductIdentification() : options.creator);
         writer.setTitle(report.name);
         writer.setResolution(600);
-        writer.setPageLayout(LayoutOf(report.pages[static_cast<std::size_t>(std::min(first, last - 1))]));
+        const std::size_t firstLayout = static_cast<std::size_t>(std::clamp(first, 0, std::max(last - 1, 0)));
+        writer.setPageLayout(LayoutOf(report.pages.empty() ? PreparedPage{} : report.pages[firstLayout]));
         QPainter painter(&writer);
         for (int page = first; page < last; ++page) {
             if (page > first) {
