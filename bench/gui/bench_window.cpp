@@ -27,6 +27,8 @@ public:
     bool question(const QString&, const QString&) override { return true; }
     std::optional<QString> herd() override { return u"ALL"_s; }
     void openFile(const QString&) override {}
+    void showPreview(std::shared_ptr<const PreparedReport>, const PreviewSettings&) override {}
+    void designTemplate(const QString&, const std::function<PreparedReport(const ReportTemplate&)>&) override {}
 };
 
 double Seconds(const QElapsedTimer& timer)

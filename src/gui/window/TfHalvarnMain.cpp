@@ -11,6 +11,8 @@
 #include "gui/window/UserDialogs.h"
 #include "gui/window/WindowHost.h"
 #include "registry/client/TdmIRZ_PLUS.h"
+#include "reports/print/PrintCommands.h"
+#include "reports/print/TdmulmxDataBase_FR3.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -69,6 +71,8 @@ TfHalvarnMain::TfHalvarnMain(DataFolder folder, RegistryConfig registry, std::un
         dialogs_ = std::make_unique<ModalDialogs>(this);
     host_ = std::make_unique<WindowHost>(*dialogs_);
     session_ = std::make_unique<HalvarnSession>(folder_, *host_);
+    dmulmxDataBase_FR3 = std::make_unique<TdmulmxDataBase_FR3>();
+    prints_ = std::make_unique<PrintCommands>(*session_, *dmulmxDataBase_FR3);
 
     auto* central = new QWidget(this);
     auto* layout = new QVBoxLayout(central);
@@ -121,8 +125,10 @@ QWidget* TfHalvarnMain::buildCommandBar()
             [this] { runExport(&ExportCommands::exportHerdAnimals); });
     connect(addCommand(bar, "dxBarButton2", u"Export grup technologicznych"_s, true), &QAction::triggered, this,
             [this] { runExport(&ExportCommands::exportHerdGroups); });
-    addCommand(bar, "dxBarButton4", u"Wydruk rozczytanych zwierząt"_s, false);
-    addCommand(bar, "dxBarButton5", u"Wydruk grup technologicznych"_s, false);
+    connect(addCommand(bar, "dxBarButton4", u"Wydruk rozczytanych zwierząt"_s, true), &QAction::triggered, this,
+            &TfHalvarnMain::dxBarButton4Click);
+    connect(addCommand(bar, "dxBarButton5", u"Wydruk grup technologicznych"_s, true), &QAction::triggered, this,
+            &TfHalvarnMain::dxBarButton5Click);
 
     auto* menu = Named<QMenu>("dxBarSubItem1", u"Ustawienia"_s, bar);
     menu->setToolTipsVisible(true);
@@ -333,8 +339,9 @@ QWidget* TfHalvarnMain::buildSummaryButtons()
     auto* csv = addButton("cxButton7", u"Export CSV"_s, true);
     csv->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
     connect(csv, &QPushButton::clicked, this, [this] { runExport(&ExportCommands::exportSummaryCsv); });
-    auto* print = addButton("cxButton5", u"Wydruk"_s, false);
+    auto* print = addButton("cxButton5", u"Wydruk"_s, true);
     print->setIcon(style()->standardIcon(QStyle::SP_FileDialogDetailedView));
+    connect(print, &QPushButton::clicked, this, &TfHalvarnMain::cxButton5Click);
     for (QPushButton* button : {useChange, xls, csv, print})
         layout->addWidget(button);
     layout->addStretch();

@@ -12,6 +12,10 @@
 #include <memory>
 
 class DateField;
+class PrintCommands;
+class TdmulmxDataBase_FR3;
+struct PrintJob;
+enum class HerdPrint;
 class ExportCommands;
 class HalvarnSession;
 class QAction;
@@ -53,12 +57,16 @@ public:
     const HerdSlotView& slotView(int slot) const { return slotViews_[static_cast<std::size_t>(slot)]; }
     QTabWidget* pages() const { return pages_; }
     bool operationRunning() const { return running_; }
+    TdmulmxDataBase_FR3& reports() { return *dmulmxDataBase_FR3; }
 
     void fillLogin(const QString& login, const QString& password, const QString& producerNumber);
 
 public Q_SLOTS:
-    void cxButton1Click(); // "Pobieranie danych"
-    void cxButton2Click(); // "Czyszczenie danych"
+    void cxButton1Click();    // "Pobieranie danych"
+    void cxButton2Click();    // "Czyszczenie danych"
+    void cxButton5Click();    // "Wydruk"
+    void dxBarButton4Click(); // "Wydruk rozczytanych zwierząt"
+    void dxBarButton5Click(); // "Wydruk grup technologicznych"
     void cancelOperation();
 
 protected:
@@ -85,12 +93,16 @@ private:
     void showFirstHerd();
     void timerTick();
     void runExport(void (ExportCommands::*command)());
+    void printHerds(HerdPrint kind);
+    void showPrint(const PrintJob& job);
 
     DataFolder folder_;
     std::unique_ptr<UserDialogs> dialogs_;
     std::unique_ptr<WindowHost> host_;
     std::unique_ptr<HalvarnSession> session_;
     std::unique_ptr<TdmIRZ_PLUS> registry_;
+    std::unique_ptr<TdmulmxDataBase_FR3> dmulmxDataBase_FR3;
+    std::unique_ptr<PrintCommands> prints_;
     RegistryConfig registryConfig_;
 
     QLineEdit* edUser = nullptr;

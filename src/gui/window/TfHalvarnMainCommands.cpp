@@ -2,12 +2,14 @@
 // operation with the window as its host and shows the result.
 #include "core/session/HalvarnSession.h"
 #include "export/ExportCommands.h"
+#include "gui/preview/TfpRapPrev_FR3.h"
 #include "gui/window/DateField.h"
 #include "gui/window/TfHalvarnMain.h"
 #include "gui/window/UserDialogs.h"
 #include "gui/window/WindowHost.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
+#include "reports/print/PrintCommands.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -96,6 +98,48 @@ void TfHalvarnMain::runExport(void (ExportCommands::*command)())
         ExportCommands exports(*session_);
         (exports.*command)();
     });
+}
+
+void TfHalvarnMain::cxButton5Click()
+{
+    showPrint(prints_->filtered());
+}
+
+void TfHalvarnMain::dxBarButton4Click()
+{
+    printHerds(HerdPrint::Animals);
+}
+
+void TfHalvarnMain::dxBarButton5Click()
+{
+    printHerds(HerdPrint::Groups);
+}
+
+void TfHalvarnMain::printHerds(HerdPrint kind)
+{
+    if (running_)
+        return;
+    if (const std::optional<QString> herd = dialogs_->herd())
+        showPrint(prints_->herds(kind, *herd));
+}
+
+// The pages are laid out like any long operation; the preview then lets the
+// user print, save or design, each of which runs the same job again.
+void TfHalvarnMain::showPrint(const PrintJob& job)
+{
+    std::optional<PreparedReport> report;
+    runOperation([&] { report = prints_->run(job); });
+    if (!report)
+        return;
+    PreviewSettings settings;
+    settings.pdfFolder = folder_.pdfFolder();
+    settings.reportsFolder = folder_.pdfFolder();
+    settings.prepareAgain = [this, job] { return prints_->run(job); };
+    settings.design = [this, job] {
+        dialogs_->designTemplate(prints_->templatePath(job.templateName),
+                                 [this, job](const ReportTemplate& edited) { return prints_->runWith(job, edited); });
+    };
+    dialogs_->showPreview(std::make_shared<const PreparedReport>(std::move(*report)), settings);
 }
 
 // Runs one long operation with every command that could start another one

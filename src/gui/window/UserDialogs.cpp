@@ -1,7 +1,10 @@
 #include "gui/window/UserDialogs.h"
 
 #include "gui/dialogs/TfGET_CO_EXP_WYDR.h"
+#include "gui/editor/TemplateEditor.h"
+#include "gui/preview/TfpRapPrev_FR3.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QDialog>
 #include <QMessageBox>
@@ -49,4 +52,19 @@ void ModalDialogs::openFile(const QString& path)
 {
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
         message(u"Błąd..."_s, u"Nie można otworzyć pliku: "_s + path, MessageIcon::Error);
+}
+
+void ModalDialogs::showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings)
+{
+    TfpRapPrev_FR3 preview(std::move(report), settings, {}, parent_);
+    preview.exec();
+}
+
+// The editor opens over the preview that asked for it.
+void ModalDialogs::designTemplate(const QString& path,
+                                  const std::function<PreparedReport(const ReportTemplate&)>& preview)
+{
+    QWidget* over = QApplication::activeModalWidget();
+    TemplateEditor editor(path, preview, over ? over : parent_);
+    editor.exec();
 }

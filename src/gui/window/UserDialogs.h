@@ -4,9 +4,14 @@
 
 #include <QString>
 
+#include <functional>
+#include <memory>
 #include <optional>
 
 class QWidget;
+struct PreparedReport;
+struct PreviewSettings;
+struct ReportTemplate;
 
 // The questions and messages a command puts to the user. The window asks with
 // message boxes and dialogs; tests answer without a modal loop.
@@ -18,6 +23,11 @@ public:
     virtual bool question(const QString& caption, const QString& text) = 0;
     virtual std::optional<QString> herd() = 0;
     virtual void openFile(const QString& path) = 0;
+    // The print preview, modal; it goes when the user closes it.
+    virtual void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) = 0;
+    // The template editor over the open preview, with a live preview of the current data.
+    virtual void designTemplate(const QString& path,
+                                const std::function<PreparedReport(const ReportTemplate&)>& preview) = 0;
 };
 
 // Message boxes over the main window, the herd choice dialog and the desktop's open action.
@@ -29,6 +39,9 @@ public:
     bool question(const QString& caption, const QString& text) override;
     std::optional<QString> herd() override;
     void openFile(const QString& path) override;
+    void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) override;
+    void designTemplate(const QString& path,
+                        const std::function<PreparedReport(const ReportTemplate&)>& preview) override;
 
 private:
     QWidget* parent_;

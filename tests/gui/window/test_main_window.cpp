@@ -2,9 +2,9 @@
 #include "framework/Cp1250.h"
 #include "gui/grids/SummaryGrid.h"
 #include "gui/grids/TableGrid.h"
+#include "gui/window/RecordingDialogs.h"
 #include "gui/window/StatusDisplay.h"
 #include "gui/window/TfHalvarnMain.h"
-#include "gui/window/UserDialogs.h"
 #include "registry/sim/HttpLib.h"
 #include "registry/sim/RegistrySimulator.h"
 #include "support/Files.h"
@@ -29,39 +29,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-// Answers the window's questions as a test sets them up and remembers what it was told.
-class RecordingDialogs : public UserDialogs {
-public:
-    struct Shown {
-        QString caption;
-        QString text;
-    };
-    std::vector<Shown> messages;
-    QStringList questions;
-    bool answerYes = true;
-    std::optional<QString> herdChoice = u"ALL"_s;
-    QStringList opened;
-
-    void message(const QString& caption, const QString& text, MessageIcon) override
-    {
-        messages.push_back({caption, text});
-    }
-    bool question(const QString&, const QString& text) override
-    {
-        questions.append(text);
-        return answerYes;
-    }
-    std::optional<QString> herd() override { return herdChoice; }
-    void openFile(const QString& path) override { opened.append(path); }
-    QStringList texts() const
-    {
-        QStringList all;
-        for (const Shown& m : messages)
-            all.append(m.text);
-        return all;
-    }
-};
-
 const DemoOptions Demo;
 
 // The ear tag of an animal of the demo producer; herds count from 0.
@@ -237,10 +204,8 @@ void TestMainWindow::startsEmptyIdleOnLoadedDataPage()
     QCOMPARE(status->text(StatusDisplay::Today), QDate::currentDate().toString(u"dd.MM.yyyy"));
     QVERIFY(!child<QGroupBox>("lcErrors")->isVisible());
     QVERIFY(!window_->session().common.torvLogin);
-    for (const char* name : {"cxButton3", "cxButton5", "cxButton6"}) // commands of later versions
+    for (const char* name : {"cxButton3", "cxButton6"}) // commands of later versions
         QVERIFY2(!child<QPushButton>(name)->isEnabled(), name);
-    for (const char* name : {"dxBarButton4", "dxBarButton5"})
-        QVERIFY2(!child<QAction>(name)->isEnabled(), name);
 }
 
 void TestMainWindow::clearingEndsIdleAtSixtyFourOfSixtyFive()

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "gui/preview/TfpRapPrev_FR3.h"
+#include "gui/window/UserDialogs.h"
+#include "reports/PreparedReport.h"
+
+#include <QStringList>
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+// Answers the window's questions as a test sets them up and remembers what it
+// was told, the previews it was asked to show included.
+class RecordingDialogs : public UserDialogs {
+public:
+    struct Shown {
+        QString caption;
+        QString text;
+    };
+    struct Preview {
+        std::shared_ptr<const PreparedReport> report;
+        PreviewSettings settings;
+    };
+    std::vector<Shown> messages;
+    QStringList questions;
+    bool answerYes = true;
+    std::optional<QString> herdChoice = u"ALL"_s;
+    QStringList opened;
+    std::vector<Preview> previews;
+    QStringList designed;
+
+    void message(const QString& caption, const QString& text, MessageIcon) override
+    {
+        messages.push_back({caption, text});
+    }
+    bool question(const QString&, const QString& text) override
+    {
+        questions.append(text);
+        return answerYes;
+    }
+    std::optional<QString> herd() override { return herdChoice; }
+    void openFile(const QString& path) override { opened.append(path); }
+    void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) override
+    {
+        previews.push_back({std::move(report), settings});
+    }
+    void designTemplate(const QString& path, const std::function<PreparedReport(const ReportTemplate&)>&) override
+    {
+        designed.append(path);
+    }
+    QStringList texts() const
+    {
+        QStringList all;
+        for (const Shown& m : messages)
+            all.append(m.text);
+        return all;
+    }
+};
