@@ -1,11 +1,11 @@
 #include "gui/editor/TemplateEditor.h"
-#include "gui/preview/ScreenFit.h"
 
 #include "gui/editor/CodeEditor.h"
 #include "gui/editor/FindBar.h"
 #include "gui/editor/TemplateFile.h"
 #include "gui/editor/XmlHighlighter.h"
 #include "gui/preview/PageView.h"
+#include "gui/preview/ScreenFit.h"
 #include "reports/ShippedTemplates.h"
 #include "reports/TemplateReader.h"
 

@@ -1,7 +1,7 @@
 #include "gui/preview/TfpRapPrev_FR3.h"
-#include "gui/preview/ScreenFit.h"
 
 #include "gui/preview/PageView.h"
+#include "gui/preview/ScreenFit.h"
 
 #include <QAction>
 #include <QComboBox>

@@ -6,8 +6,8 @@
 #include "reports/ReportPdf.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLabel>
 #include <QPrinter>
