@@ -31,6 +31,8 @@ PreparedReport ThreePages()
 }
 } // namespace
 
+Q_DECLARE_METATYPE(TextHit)
+
 class PreparedReportTest : public QObject {
     Q_OBJECT
 
@@ -102,6 +104,5 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(TextHit)
 QTEST_MAIN(PreparedReportTest)
 #include "test_prepared_report.moc"
