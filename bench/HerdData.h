@@ -1,6 +1,13 @@
 #pragma once
 
+#include "BenchSupport.h"
+#include "core/session/HalvarnSession.h"
 #include "core/tables/WorkingTables.h"
+#include "reports/ShippedTemplates.h"
+#include "reports/print/PrintCommands.h"
+#include "reports/print/TdmulmxDataBase_FR3.h"
+
+#include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
 
@@ -38,3 +45,22 @@ inline void FillHerds(WorkingTables& tables, int herds, int animalsPerHerd)
         }
     }
 }
+
+// A session holding such herds in a data folder of its own, with the shipped
+// templates, ready to print.
+struct PrintableHerds {
+    QTemporaryDir folder;
+    DataFolder data{folder.path()};
+    SilentHost host;
+    HalvarnSession session{data, host};
+    TdmulmxDataBase_FR3 reports;
+    PrintCommands prints{session, reports};
+
+    PrintableHerds(int herds, int animalsPerHerd)
+    {
+        data.prepare();
+        InstallShippedTemplates(data.templatesFolder());
+        session.ClearAllData();
+        FillHerds(session.tables(), herds, animalsPerHerd);
+    }
+};

@@ -1,15 +1,9 @@
 // The animals print of 20,000 animals in 10 herds with the choice "ALL": the
 // overall section and every herd, about 40,000 rows, prepared and written as PDF.
-#include "BenchSupport.h"
 #include "HerdData.h"
-#include "core/session/HalvarnSession.h"
 #include "reports/ReportPdf.h"
-#include "reports/ShippedTemplates.h"
-#include "reports/print/PrintCommands.h"
-#include "reports/print/TdmulmxDataBase_FR3.h"
 
 #include <QGuiApplication>
-#include <QTemporaryDir>
 #include <QTextStream>
 
 namespace {
@@ -22,19 +16,9 @@ int main(int argc, char* argv[])
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
-    QTemporaryDir folder;
-    const DataFolder data(folder.path());
-    data.prepare();
-    InstallShippedTemplates(data.templatesFolder());
-    SilentHost host;
-    HalvarnSession session(data, host);
-    session.ClearAllData();
-    FillHerds(session.tables(), Herds, AnimalsPerHerd);
-
-    TdmulmxDataBase_FR3 reports;
-    PrintCommands prints(session, reports);
+    PrintableHerds herds(Herds, AnimalsPerHerd);
     std::optional<PreparedReport> report;
-    const Timing prepared = Measure([&] { report = prints.prepareHerds(HerdPrint::Animals, u"ALL"_s); });
+    const Timing prepared = Measure([&] { report = herds.prints.prepareHerds(HerdPrint::Animals, u"ALL"_s); });
     if (!report)
         return 1;
     QByteArray pdf;

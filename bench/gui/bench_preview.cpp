@@ -1,34 +1,19 @@
 // The preview of the 20,000-animal "ALL" animals print: how long the first page
 // takes to show once the pages are laid out, and how long a page turn takes
 // over 100 turns spread through the report (targets 1 s and 50 ms).
-#include "BenchSupport.h"
 #include "HerdData.h"
-#include "core/session/HalvarnSession.h"
 #include "gui/preview/PageView.h"
 #include "gui/preview/TfpRapPrev_FR3.h"
-#include "reports/ShippedTemplates.h"
-#include "reports/print/PrintCommands.h"
-#include "reports/print/TdmulmxDataBase_FR3.h"
 
 #include <QApplication>
-#include <QTemporaryDir>
 #include <QTextStream>
 
 int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
-    QTemporaryDir folder;
-    const DataFolder data(folder.path());
-    data.prepare();
-    InstallShippedTemplates(data.templatesFolder());
-    SilentHost host;
-    HalvarnSession session(data, host);
-    session.ClearAllData();
-    FillHerds(session.tables(), 10, 2000);
-    TdmulmxDataBase_FR3 reports;
-    PrintCommands prints(session, reports);
+    PrintableHerds herds(10, 2000);
     std::optional<PreparedReport> report;
-    const Timing layout = Measure([&] { report = prints.prepareHerds(HerdPrint::Animals, u"ALL"_s); });
+    const Timing layout = Measure([&] { report = herds.prints.prepareHerds(HerdPrint::Animals, u"ALL"_s); });
     if (!report)
         return 1;
     auto shared = std::make_shared<const PreparedReport>(std::move(*report));

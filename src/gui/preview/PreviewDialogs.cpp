@@ -1,5 +1,6 @@
 #include "gui/preview/PreviewDialogs.h"
 
+#include "gui/preview/MessageBoxIcon.h"
 #include "gui/preview/PdfOptionsDialog.h"
 
 #include <QDesktopServices>
@@ -14,17 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 const QString ReportFilter = u"Zapisane raporty (*.hrp);;Wszystkie pliki (*)"_s;
-
-QMessageBox::Icon BoxIcon(MessageIcon icon)
-{
-    switch (icon) {
-    case MessageIcon::Information: return QMessageBox::Information;
-    case MessageIcon::Warning: return QMessageBox::Warning;
-    case MessageIcon::Error: return QMessageBox::Critical;
-    case MessageIcon::Question: return QMessageBox::Question;
-    }
-    return QMessageBox::NoIcon;
-}
 
 std::optional<QString> Chosen(const QString& path)
 {
@@ -76,7 +66,7 @@ bool ModalPreviewDialogs::pageSetup(QPrinter& printer)
 
 void ModalPreviewDialogs::message(const QString& caption, const QString& text, MessageIcon icon)
 {
-    QMessageBox box(BoxIcon(icon), caption, text, QMessageBox::Ok, parent_);
+    QMessageBox box(MessageBoxIcon(icon), caption, text, QMessageBox::Ok, parent_);
     box.exec();
 }
 

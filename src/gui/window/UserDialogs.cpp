@@ -2,6 +2,7 @@
 
 #include "gui/dialogs/TfGET_CO_EXP_WYDR.h"
 #include "gui/editor/TemplateEditor.h"
+#include "gui/preview/MessageBoxIcon.h"
 #include "gui/preview/TfpRapPrev_FR3.h"
 
 #include <QApplication>
@@ -13,22 +14,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-QMessageBox::Icon BoxIcon(MessageIcon icon)
-{
-    switch (icon) {
-    case MessageIcon::Information: return QMessageBox::Information;
-    case MessageIcon::Warning: return QMessageBox::Warning;
-    case MessageIcon::Error: return QMessageBox::Critical;
-    case MessageIcon::Question: return QMessageBox::Question;
-    }
-    return QMessageBox::NoIcon;
-}
-} // namespace
-
 void ModalDialogs::message(const QString& caption, const QString& text, MessageIcon icon)
 {
-    QMessageBox box(BoxIcon(icon), caption, text, QMessageBox::Ok, parent_);
+    QMessageBox box(MessageBoxIcon(icon), caption, text, QMessageBox::Ok, parent_);
     box.exec();
 }
 
