@@ -18,7 +18,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-enum RenderExit { Rendered = 0, TemplateUnreadable = 1, BadArguments = 2 };
+enum RenderExit { Rendered = 0, NotRendered = 1, BadArguments = 2 }; // 1: the template or the PDF failed
 
 struct RenderOptions {
     QString templatePath;
@@ -119,7 +119,7 @@ int RunRender(const QStringList& arguments)
         return BadArguments;
     }
     CliHost host(true);
-    HalvarnSession session(DataFolder(QDir::tempPath()), host);
+    HalvarnSession session(DataFolder(DataFolder::resolve({})), host);
     TdmulmxDataBase_FR3 reports;
     PrintCommands prints(session, reports);
     if (!options.statePath.isEmpty() && !RestoreState(session, options.statePath, error)) {
@@ -131,7 +131,7 @@ int RunRender(const QStringList& arguments)
         loaded = ReadTemplate(options.templatePath);
     } catch (const TemplateError& failure) {
         err << failure.message() << Qt::endl;
-        return TemplateUnreadable;
+        return NotRendered;
     }
     // A fresh data module has its thirty links, each bound to nothing.
     reports.frxReport.setTemplate(std::move(loaded));
@@ -145,7 +145,7 @@ int RunRender(const QStringList& arguments)
         WritePdf(report, options.pdfPath, {});
     } catch (const FileWriteError& failure) {
         err << failure.message() << Qt::endl;
-        return TemplateUnreadable;
+        return NotRendered;
     }
     out << u"Strony: "_s << report.pageCount() << Qt::endl;
     return Rendered;

@@ -29,19 +29,6 @@ QString NumberText(double number)
     return QString::number(number, 'g', 15).replace(u'.', DecimalSeparator);
 }
 
-std::optional<double> NumberIn(const ReportValue& value)
-{
-    bool ok = false;
-    double number = 0.0;
-    if (const auto* held = std::get_if<double>(&value)) {
-        number = *held;
-        ok = true;
-    } else if (const auto* text = std::get_if<QString>(&value)) {
-        number = text->trimmed().replace(u',', u'.').toDouble(&ok);
-    }
-    return ok && std::isfinite(number) ? std::optional(number) : std::nullopt;
-}
-
 struct FixedDigits {
     QString integer;  // at least one digit
     QString fraction; // exactly as many digits as asked for

@@ -131,13 +131,7 @@ public:
 
     bool computesWithTotalPages() const { return computesWithTotalPages_; }
 
-    const LinkCursor* link(const QString& name) override
-    {
-        for (const auto& cursor : cursors_)
-            if (cursor->name.compare(name, Qt::CaseInsensitive) == 0)
-                return cursor.get();
-        return nullptr;
-    }
+    const LinkCursor* link(const QString& name) override { return cursorNamed(name); }
 
     Aggregate* aggregate(AggregateKind kind, std::unique_ptr<ExpressionNode> argument, const QString& band) override
     {
@@ -159,6 +153,14 @@ public:
     }
 
 private:
+    LinkCursor* cursorNamed(const QString& name) const
+    {
+        for (const auto& cursor : cursors_)
+            if (cursor->name.compare(name, Qt::CaseInsensitive) == 0)
+                return cursor.get();
+        return nullptr;
+    }
+
     // ---- compiling ---------------------------------------------------------
 
     void collectDataBandNames()
@@ -280,7 +282,7 @@ private:
 
     void runSection(const DataSection& section)
     {
-        LinkCursor* cursor = const_cast<LinkCursor*>(link(section.band->dataSet));
+        LinkCursor* cursor = cursorNamed(section.band->dataSet);
         if (!section.band->dataSet.isEmpty() && !cursor)
             report(u"Nieznane źródło danych: %1"_s.arg(section.band->dataSet));
         const int rows = cursor ? (cursor->table ? cursor->table->recordCount() : 0)
@@ -289,14 +291,16 @@ private:
             return;
         openHeader(section.header);
         std::vector<ReportValue> groupValues(section.groupHeaders.size());
-        const QString bandKey = section.band->name.toLower();
+        const auto accumulating = accumulate_.constFind(section.band->name.toLower());
+        const std::vector<Aggregate*> none;
+        const std::vector<Aggregate*>& aggregates = accumulating == accumulate_.cend() ? none : *accumulating;
         for (int row = 0; row < rows; ++row) {
             if (cursor)
                 cursor->row = row;
             followGroups(section, groupValues, cursor, row);
             system_.line = row + 1;
             printBand(section.band);
-            for (Aggregate* aggregate : accumulate_.value(bandKey))
+            for (Aggregate* aggregate : aggregates)
                 aggregate->add(system_);
             for (const auto& detail : section.details)
                 runSection(*detail);

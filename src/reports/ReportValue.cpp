@@ -1,5 +1,7 @@
 #include "reports/ReportValue.h"
 
+#include <cmath>
+
 ReportValue FromField(const FieldValue& value)
 {
     if (const auto* text = std::get_if<QString>(&value))
@@ -21,16 +23,22 @@ bool IsEmpty(const ReportValue& value)
     return text && text->isEmpty();
 }
 
+std::optional<double> NumberIn(const ReportValue& value)
+{
+    bool ok = false;
+    double number = 0.0;
+    if (const auto* held = std::get_if<double>(&value)) {
+        number = *held;
+        ok = true;
+    } else if (const auto* text = std::get_if<QString>(&value)) {
+        number = text->trimmed().replace(u',', u'.').toDouble(&ok);
+    }
+    return ok && std::isfinite(number) ? std::optional(number) : std::nullopt;
+}
+
 double AsNumber(const ReportValue& value)
 {
-    if (const auto* number = std::get_if<double>(&value))
-        return *number;
     if (const auto* flag = std::get_if<bool>(&value))
         return *flag ? 1.0 : 0.0;
-    if (const auto* text = std::get_if<QString>(&value)) {
-        QString normalised = text->trimmed();
-        normalised.replace(u',', u'.');
-        return normalised.toDouble();
-    }
-    return 0.0;
+    return NumberIn(value).value_or(0.0);
 }

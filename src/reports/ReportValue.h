@@ -7,6 +7,7 @@
 #include <QString>
 #include <QTime>
 
+#include <optional>
 #include <variant>
 
 // A value inside a report expression. Every number is a double, as in the
@@ -16,4 +17,6 @@ using ReportValue = std::variant<std::monostate, QString, double, QDate, QTime, 
 ReportValue FromField(const FieldValue& value);
 
 bool IsEmpty(const ReportValue& value);
-double AsNumber(const ReportValue& value); // texts that are numbers count, anything else is 0
+// A number, or a text that reads as one ("," or "." before the decimals); none for anything else.
+std::optional<double> NumberIn(const ReportValue& value);
+double AsNumber(const ReportValue& value); // booleans as 1 and 0, numbers and numeric texts, anything else 0

@@ -103,13 +103,16 @@ void PrintCommands::copyShownRowsToReport()
                                   u"GdzieRozpatrzono"_s,
                                   u"CzyMatka"_s,
                                   u"Plec"_s};
-    Table& summary = session_.tables().mdRZ00();
+    const Table& summary = session_.tables().mdRZ00();
     Table& report = session_.tables().mdRaport1();
+    std::vector<std::pair<int, int>> fields; // (in mdRZ00, in mdRaport1)
+    for (const QString& field : copied)
+        fields.emplace_back(summary.requireField(field), report.requireField(field));
     report.removeAll();
     for (const int row : session_.host().summaryRowsInDisplayOrder()) {
         report.append();
-        for (const QString& field : copied)
-            report.setValue(field, summary.at(row, summary.requireField(field)));
+        for (const auto& [from, to] : fields)
+            report.setValue(to, summary.at(row, from));
         report.post();
     }
 }

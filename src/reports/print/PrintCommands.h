@@ -47,7 +47,6 @@ public:
     // Shorthands of run().
     std::optional<PreparedReport> prepareHerds(HerdPrint kind, const QString& herd) { return run(herds(kind, herd)); }
     std::optional<PreparedReport> prepareFiltered() { return run(filtered()); }
-    std::optional<PreparedReport> prepareUseChange() { return run(useChange()); }
 
 private:
     bool loadTemplate(const QString& name);
