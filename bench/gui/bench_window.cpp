@@ -26,6 +26,7 @@ public:
     void message(const QString&, const QString&, MessageIcon) override {}
     bool question(const QString&, const QString&) override { return true; }
     std::optional<QString> herd() override { return u"ALL"_s; }
+    std::optional<QString> useDirection() override { return std::nullopt; }
     void openFile(const QString&) override {}
     void showPreview(std::shared_ptr<const PreparedReport>, const PreviewSettings&) override {}
     void designTemplate(const QString&, const std::function<PreparedReport(const ReportTemplate&)>&) override {}

@@ -1,6 +1,18 @@
 #include "cli/CliHost.h"
 
+#include <iostream>
 #include <numeric>
+#include <string>
+
+QString ReadInputLine()
+{
+    std::string line;
+    if (!std::getline(std::cin, line))
+        return {};
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
+    return QString::fromStdString(line);
+}
 
 void CliHost::statusTextChanged(StatusPanel panel, const QString& text)
 {
@@ -25,9 +37,16 @@ void CliHost::showMessage(const QString& caption, const QString& text, MessageIc
     err_ << caption << u' ' << text << Qt::endl;
 }
 
+// Without --yes the answer is read from standard input: "t" or "tak" is yes,
+// anything else, or no input at all, is no.
 bool CliHost::askYesNo(const QString& caption, const QString& text)
 {
-    err_ << caption << u' ' << text << (answerYes_ ? " [Tak]" : " [Nie]") << Qt::endl;
+    if (!answerYes_) {
+        err_ << caption << u' ' << text << u" [t/N] "_s << Qt::flush;
+        const QString answer = ReadInputLine().trimmed().toLower();
+        return answer == u"t" || answer == u"tak";
+    }
+    err_ << caption << u' ' << text << " [Tak]" << Qt::endl;
     return answerYes_;
 }
 

@@ -9,6 +9,10 @@
 
 using namespace Qt::StringLiterals;
 
+// One line of standard input without its line end; null at the end of input.
+// Lines are taken one at a time, so a password and an answer can follow each other.
+QString ReadInputLine();
+
 // The terminal as the host of long operations: progress and messages go to
 // stderr, questions are answered by the command line.
 class CliHost : public OperationHost {
@@ -25,12 +29,15 @@ public:
     void showMessage(const QString& caption, const QString& text, MessageIcon icon) override;
     bool askYesNo(const QString& caption, const QString& text) override;
     std::optional<QString> askHerd() override { return u"ALL"_s; }
+    std::optional<QString> askUseDirection() override { return useDirection_; }
+    void setUseDirection(const QString& code) { useDirection_ = code; }
     std::vector<int> summaryRowsInDisplayOrder() override;
     void openWithDesktop(const QString&) override {}
     void setSummaryRowCount(int rows) { summaryRows_ = rows; }
 
 private:
     bool answerYes_;
+    std::optional<QString> useDirection_;
     QTextStream err_;
     std::vector<ShownMessage> messages_;
     int summaryRows_ = 0;

@@ -1,11 +1,14 @@
 #include "cli/CliOptions.h"
 
+#include "cli/CliHost.h"
 #include "registry/client/RegistryConfig.h"
 #include "registry/sim/RegistrySimulator.h"
+#include "registry/usechange/UseDirections.h"
 
 #include <QCommandLineParser>
 #include <QRegularExpression>
-#include <QTextStream>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -60,6 +63,20 @@ bool ParseCount(const QString& option, const QString& text, int highest, std::op
     return true;
 }
 
+bool CheckUseChange(const CliOptions& options, QString& error)
+{
+    if (options.useChange.isNull())
+        return true;
+    if (std::none_of(UseDirections.begin(), UseDirections.end(),
+                     [&](const UseDirection& d) { return options.useChange == QLatin1String(d.code); })) {
+        error = u"Nieznany kierunek użytkowania --use-change: %1 (OP, MI, MIOP, ML, MLOP)"_s.arg(options.useChange);
+        return false;
+    }
+    if (options.mark.isEmpty())
+        error = u"Podaj zwierzęta do zmiany w --mark"_s;
+    return !options.mark.isEmpty();
+}
+
 bool CheckProducerNumber(const QString& number, QString& error)
 {
     static const QRegularExpression nineDigits(u"^[0-9]{9}$"_s);
@@ -81,7 +98,7 @@ bool ReadPassword(const QCommandLineParser& parser, QString& password, QString& 
     password = parser.value(u"password"_s);
     if (password != u"-")
         return true;
-    password = QTextStream(stdin).readLine();
+    password = ReadInputLine();
     if (password.isNull())
         error = u"Brak hasła na standardowym wejściu (--password -)"_s;
     return !password.isNull();
@@ -106,7 +123,7 @@ bool ReadCheckedValues(const QCommandLineParser& parser, CliOptions& options, QS
            optionalCount("parallel", MaxParallelRequestsLimit, options.parallel) &&
            optionalCount("timeout-seconds", TimeoutSecondsLimit, options.timeoutSeconds) &&
            (!isSet("producer") || CheckProducerNumber(inputs.producerNumber, error)) &&
-           ReadPassword(parser, inputs.password, error);
+           CheckUseChange(options, error) && ReadPassword(parser, inputs.password, error);
 }
 } // namespace
 
@@ -136,8 +153,13 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
         Value("export-dir", "zapisz eksporty do folderu", "DIR"),
         Value("pdf-dir", "zapisz wydruki zwierząt i grup technologicznych jako PDF do folderu", "DIR"),
         Value("herd", "stado wydruków PDF: ALL, 000 albo kod stada (domyślnie ALL)", "HERD"),
+        Value("mark", "zaznacz po pobraniu zwierzęta o tych numerach (rozdzielone przecinkami)", "PL…,PL…"),
+        Value("use-change",
+              "wyślij zmianę kierunku użytkowania zaznaczonych zwierząt: OP, MI, MIOP, ML, MLOP "
+              "(pyta o potwierdzenie na standardowym wejściu: t/tak)",
+              "CODE"),
         {u"demo"_s, u"użyj wbudowanego symulatora rejestru"_s},
-        {u"yes"_s, u"odpowiadaj Tak na pytania"_s},
+        {u"yes"_s, u"odpowiadaj Tak na pytania, bez czytania standardowego wejścia"_s},
     });
     if (!parser.parse(arguments)) {
         error = parser.errorText();
@@ -156,6 +178,9 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
     pdfDir = parser.value(u"pdf-dir"_s);
     if (parser.isSet(u"herd"_s))
         herd = parser.value(u"herd"_s);
+    mark = parser.value(u"mark"_s).split(u',', Qt::SkipEmptyParts);
+    if (parser.isSet(u"use-change"_s))
+        useChange = parser.value(u"use-change"_s);
     demo = parser.isSet(u"demo"_s);
     answerYes = parser.isSet(u"yes"_s);
     if (parser.isSet(u"sso-base"_s))

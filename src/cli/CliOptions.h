@@ -18,6 +18,8 @@ struct CliOptions {
     QString exportDir;
     QString pdfDir;
     QString herd = u"ALL"_s;
+    QStringList mark;  // ear tags to tick after the download
+    QString useChange; // the new use direction's code for the ticked animals
     std::optional<QString> ssoBase;
     std::optional<QString> apiBase;
     std::optional<int> parallel;

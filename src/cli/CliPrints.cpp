@@ -151,32 +151,36 @@ int RunRender(const QStringList& arguments)
     return Rendered;
 }
 
-bool WriteHerdPrints(HalvarnSession& session, const QString& folder, const QString& herd)
+bool WritePrintPdf(const PreparedReport& report, const QString& folder, const QString& templateName,
+                   const QString& producer)
 {
     QTextStream err(stderr);
     if (!QDir().mkpath(folder)) {
         err << u"Nie można utworzyć folderu PDF: "_s << folder << Qt::endl;
         return false;
     }
+    const QString path = QDir(folder).filePath(PdfName(templateName, producer));
+    try {
+        WritePdf(report, path, {});
+        err << path << Qt::endl;
+        return true;
+    } catch (const FileWriteError& failure) {
+        err << failure.message() << Qt::endl;
+        return false;
+    }
+}
+
+bool WriteHerdPrints(HalvarnSession& session, const QString& folder, const QString& herd)
+{
     TdmulmxDataBase_FR3 reports;
     PrintCommands prints(session, reports);
     bool written = true;
     for (const HerdPrint kind : {HerdPrint::Animals, HerdPrint::Groups}) {
         // A missing or damaged template has been reported by the host.
         const std::optional<PreparedReport> report = prints.prepareHerds(kind, herd);
-        if (!report) {
-            written = false;
-            continue;
-        }
-        const QString path =
-            QDir(folder).filePath(PdfName(PrintCommands::templateName(kind), session.inputs.producerNumber));
-        try {
-            WritePdf(*report, path, {});
-            err << path << Qt::endl;
-        } catch (const FileWriteError& failure) {
-            err << failure.message() << Qt::endl;
-            written = false;
-        }
+        written = report &&
+                  WritePrintPdf(*report, folder, PrintCommands::templateName(kind), session.inputs.producerNumber) &&
+                  written;
     }
     return written;
 }

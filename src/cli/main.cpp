@@ -1,6 +1,7 @@
 #include "cli/CliHost.h"
 #include "cli/CliOptions.h"
 #include "cli/CliPrints.h"
+#include "cli/CliUseChange.h"
 #include "cli/GroupReport.h"
 #include "core/session/HalvarnSession.h"
 #include "core/session/SessionDump.h"
@@ -33,6 +34,28 @@ int ExitCodeFor(DownloadOutcome outcome, bool exportsFailed)
     if (!RanToItsEnd(outcome) || exportsFailed)
         return StoppedEarly;
     return outcome == DownloadOutcome::Completed ? Completed : Incomplete;
+}
+
+// Of two exit codes, the one that tells of the worse end.
+int Worse(int a, int b)
+{
+    const auto rank = [](int code) {
+        return code == Completed ? 0 : code == Incomplete ? 1 : code == StoppedEarly ? 2 : 3;
+    };
+    return rank(a) >= rank(b) ? a : b;
+}
+
+// The use change follows only a download that ran to its end.
+int UseChangeExitCode(DownloadOutcome outcome, const CliOptions& options, HalvarnSession& session,
+                      TdmIRZ_PLUS& registry, CliHost& host)
+{
+    if (options.useChange.isEmpty())
+        return Completed;
+    if (!RanToItsEnd(outcome)) {
+        QTextStream(stderr) << u"Zmiana kierunku użytkowania pominięta: pobieranie nie dobiegło końca"_s << Qt::endl;
+        return StoppedEarly;
+    }
+    return RunUseChange(session, registry, host, options);
 }
 
 // The animals and groups of every herd as workbooks and all summary rows as
@@ -120,9 +143,10 @@ int RunDownload(const CliOptions& options)
 
     QTextStream(stdout) << GroupReport(session);
     const bool exportsFailed = ExportsFailed(outcome, options, session, host);
+    const int useChangeExit = UseChangeExitCode(outcome, options, session, registry, host);
     if (!options.dumpJson.isEmpty() && !WriteDump(options.dumpJson, session, host))
         return StoppedEarly;
-    return ExitCodeFor(outcome, exportsFailed);
+    return Worse(ExitCodeFor(outcome, exportsFailed), useChangeExit);
 }
 } // namespace
 

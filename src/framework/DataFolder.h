@@ -24,6 +24,7 @@ public:
     QString exportFolder() const { return file(u"EXPORT"_s) + u'/'; }
     QString templatesFolder() const { return file(u"SZABLONY"_s) + u'/'; }
     QString pdfFolder() const { return file(u"PDF"_s) + u'/'; }
+    QString useChangeJournal() const { return file(u"TUKU.LOG"_s); }
 
 private:
     QString file(const QString& name) const { return root_ + u'/' + name; }

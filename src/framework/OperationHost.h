@@ -31,6 +31,8 @@ public:
     virtual std::optional<QString> askHerd() = 0;
     // Rows of mdRZ00 as the summary grid shows them now (filter, sort, grouping applied).
     virtual std::vector<int> summaryRowsInDisplayOrder() = 0;
+    // The new use direction's code for the marked animals; none when cancelled.
+    virtual std::optional<QString> askUseDirection() { return std::nullopt; }
     // Opens a written file with the desktop's application for its type.
     virtual void openWithDesktop(const QString& path) = 0;
 };

@@ -138,6 +138,8 @@ BAD_ARGUMENTS = [
     (["--producer", "PL0712345"], "9 cyfr"),
     (["--password", "-"], "standardowym wejściu"),  # nothing on standard input
     (["--nieznana"], "nieznana"),
+    (["--mark", "PL1", "--use-change", "XX"], "--use-change"),
+    (["--use-change", "MI"], "--mark"),
 ]
 # The edges of the ranges are accepted.
 ACCEPTED_ARGUMENTS = [

@@ -29,6 +29,7 @@ public:
     std::function<bool()> cancelWhen; // asked at every check of cancelRequested()
     bool busy = false;
     QString herdChoice = u"ALL"_s;
+    std::optional<QString> useDirection;
     std::vector<int> summaryRows;
 
     QStringList messageTexts() const
@@ -67,6 +68,7 @@ public:
     {
         return herdChoice.isNull() ? std::nullopt : std::optional<QString>(herdChoice);
     }
+    std::optional<QString> askUseDirection() override { return useDirection; }
     std::vector<int> summaryRowsInDisplayOrder() override { return summaryRows; }
     void openWithDesktop(const QString&) override {}
 };

@@ -100,6 +100,7 @@ void HalvarnSession::ClearAllData()
     SetStatusText(StatusPanel::Step, u"Czyszczenie danych"_s);
     errors_.clear();
     loaded_.clear();
+    useCodes.clear();
     host_.memoCleared(Memo::Loaded);
     host_.memoCleared(Memo::Errors);
     for (int slot = 0; slot < HerdSlotCount; ++slot) {

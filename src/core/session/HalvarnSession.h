@@ -6,6 +6,7 @@
 #include "framework/OperationHost.h"
 
 #include <QDate>
+#include <QHash>
 #include <QStringList>
 
 // The fields of the window that commands read: log-in, producer, dates, ticks.
@@ -17,6 +18,13 @@ struct SessionInputs {
     QDate stateDate;     // "Stan zwierząt na dzień"
     QDate referenceDate; // "Halvarn na dzień"
     WelfareFlags flags;
+};
+
+// An animal's use type and use direction as the registry's codes; the tables
+// hold the descriptions, a change notice needs the codes.
+struct UseCodes {
+    QString useType;
+    QString useDirection;
 };
 
 struct ProgressBar {
@@ -45,8 +53,9 @@ public:
     int herdCount = 0;
     bool Loading = false;
     bool DataLoaded = false;
-    WelfareFlags halvarnFlags; // the ticks as the running operation read them
-    QDate referenceDate;       // the reference date the last download used
+    WelfareFlags halvarnFlags;         // the ticks as the running operation read them
+    QDate referenceDate;               // the reference date the last download used
+    QHash<QString, UseCodes> useCodes; // by ear tag, as the last download read them
 
     void GatherCredentials();
     void ReadHalvarnFlags() { halvarnFlags = inputs.flags; }

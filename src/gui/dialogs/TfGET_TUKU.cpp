@@ -1,6 +1,7 @@
 #include "gui/dialogs/TfGET_TUKU.h"
 
 #include "gui/dialogs/DialogParts.h"
+#include "registry/usechange/UseDirections.h"
 
 #include <QButtonGroup>
 #include <QDialogButtonBox>
@@ -8,24 +9,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include <array>
-
 using namespace Qt::StringLiterals;
-
-namespace {
-struct UseDirection {
-    const char* caption;
-    const char* code;
-};
-
-constexpr std::array<UseDirection, 5> UseDirections{{
-    {"Do opasu", "OP"},
-    {"Mięsny", "MI"},
-    {"Mięsny do opasu", "MIOP"},
-    {"Mleczny", "ML"},
-    {"Mleczny do opasu", "MLOP"},
-}};
-} // namespace
 
 TfGET_TUKU::TfGET_TUKU(QWidget* parent) : QDialog(parent)
 {
@@ -37,7 +21,7 @@ TfGET_TUKU::TfGET_TUKU(QWidget* parent) : QDialog(parent)
     choices_ = new QButtonGroup(this);
     for (int id = 0; id < static_cast<int>(UseDirections.size()); ++id) {
         const UseDirection& direction = UseDirections[static_cast<std::size_t>(id)];
-        auto* button = new QRadioButton(QString::fromUtf8(direction.caption));
+        auto* button = new QRadioButton(QString::fromUtf8(direction.name));
         button->setObjectName(u"ed"_s + QLatin1StringView(direction.code));
         choices_->addButton(button, id);
         groupLayout->addWidget(button);

@@ -24,6 +24,13 @@ StatusDisplay::StatusDisplay(QWidget* parent) : QStatusBar(parent)
     addHidden(4);
     bar1_ = addProgressBar(Progress1);
     bar2_ = addProgressBar(Progress2);
+    testBranch_ = new QLabel(u"TEST"_s, this);
+    testBranch_->setObjectName(u"lblTestBranch"_s);
+    testBranch_->setToolTip(u"Zapytania i zgłoszenia trafiają do gałęzi testowej rejestru"_s);
+    testBranch_->setStyleSheet(
+        u"QLabel { background: rgb(215, 0, 0); color: white; font-weight: bold; padding: 0 6px; }"_s);
+    testBranch_->hide();
+    layout_->addWidget(testBranch_);
     addLabel(Version, 80)->setText(u"Ver.: "_s + QCoreApplication::applicationVersion());
     addLabel(Today, 110);
     setMode(false, false);
@@ -78,6 +85,11 @@ void StatusDisplay::setMode(bool busy, bool showHerd)
     layout_->setStretchFactor(panel(General), busy ? 0 : 1);
     layout_->setStretchFactor(panel(Progress1), busy ? 1 : 0);
     layout_->setStretchFactor(panel(Progress2), busy ? 1 : 0);
+}
+
+void StatusDisplay::setTestBranch(bool on)
+{
+    testBranch_->setVisible(on);
 }
 
 void StatusDisplay::setText(Panel panel, const QString& text)

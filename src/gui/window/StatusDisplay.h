@@ -27,6 +27,8 @@ public:
     QProgressBar* progressBar(int bar) const { return bar == 1 ? bar1_ : bar2_; }
     QWidget* panel(int index) const { return panels_[static_cast<std::size_t>(index)]; }
     bool busy() const { return busy_; }
+    // "TEST" beside the panels while requests go to the registry's test branch.
+    void setTestBranch(bool on);
 
 private:
     QLabel* addLabel(int index, int width);
@@ -37,5 +39,6 @@ private:
     std::array<QWidget*, PanelCount> panels_{};
     QProgressBar* bar1_ = nullptr;
     QProgressBar* bar2_ = nullptr;
+    QLabel* testBranch_ = nullptr;
     bool busy_ = false;
 };

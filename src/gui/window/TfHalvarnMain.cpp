@@ -331,8 +331,9 @@ QWidget* TfHalvarnMain::buildSummaryButtons()
     auto* layout = new QHBoxLayout(panel);
     layout->setContentsMargins(0, 1, 0, 1);
     layout->setSpacing(0);
-    auto* useChange = addButton("cxButton3", u"Zmiana kierunku użytkowania"_s, false);
+    auto* useChange = addButton("cxButton3", u"Zmiana kierunku użytkowania"_s, true);
     useChange->setIcon(style()->standardIcon(QStyle::SP_BrowserReload));
+    connect(useChange, &QPushButton::clicked, this, &TfHalvarnMain::cxButton3Click);
     auto* xls = addButton("cxButton4", u"Export XLS"_s, true);
     xls->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
     connect(xls, &QPushButton::clicked, this, [this] { runExport(&ExportCommands::exportSummaryXls); });
@@ -368,6 +369,7 @@ void TfHalvarnMain::buildStatusBar()
 {
     status_ = new StatusDisplay(this);
     setStatusBar(status_);
+    status_->setTestBranch(registryConfig_.testBranch);
     timer1_ = Named<QTimer>("Timer1", this);
     timer1_->setInterval(1000);
     connect(timer1_, &QTimer::timeout, this, &TfHalvarnMain::timerTick);

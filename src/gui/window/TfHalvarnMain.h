@@ -15,6 +15,7 @@ class DateField;
 class PrintCommands;
 class TdmulmxDataBase_FR3;
 struct PrintJob;
+struct PreparedReport;
 enum class HerdPrint;
 class ExportCommands;
 class HalvarnSession;
@@ -64,6 +65,7 @@ public:
 public Q_SLOTS:
     void cxButton1Click();    // "Pobieranie danych"
     void cxButton2Click();    // "Czyszczenie danych"
+    void cxButton3Click();    // "Zmiana kierunku użytkowania"
     void cxButton5Click();    // "Wydruk"
     void dxBarButton4Click(); // "Wydruk rozczytanych zwierząt"
     void dxBarButton5Click(); // "Wydruk grup technologicznych"
@@ -95,6 +97,7 @@ private:
     void runExport(void (ExportCommands::*command)());
     void printHerds(HerdPrint kind);
     void showPrint(const PrintJob& job);
+    void showPreview(const PrintJob& job, PreparedReport report);
 
     DataFolder folder_;
     std::unique_ptr<UserDialogs> dialogs_;

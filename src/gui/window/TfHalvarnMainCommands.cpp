@@ -9,6 +9,7 @@
 #include "gui/window/WindowHost.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
+#include "registry/usechange/UseChangeCommand.h"
 #include "reports/print/PrintCommands.h"
 
 #include <QAction>
@@ -73,6 +74,15 @@ void TfHalvarnMain::cxButton2Click()
     runOperation([this] { session_->ClearAllData(); });
 }
 
+// The notices are sent like any long operation; the confirmation then opens in the preview.
+void TfHalvarnMain::cxButton3Click()
+{
+    std::optional<PreparedReport> report;
+    runOperation([&] { report = UseChangeCommand(*session_, *registry_, *prints_).run().report; }, true);
+    if (report)
+        showPreview(prints_->useChange(), std::move(*report));
+}
+
 void TfHalvarnMain::cancelOperation()
 {
     host_->requestCancel();
@@ -129,8 +139,12 @@ void TfHalvarnMain::showPrint(const PrintJob& job)
 {
     std::optional<PreparedReport> report;
     runOperation([&] { report = prints_->run(job); });
-    if (!report)
-        return;
+    if (report)
+        showPreview(job, std::move(*report));
+}
+
+void TfHalvarnMain::showPreview(const PrintJob& job, PreparedReport report)
+{
     PreviewSettings settings;
     settings.pdfFolder = folder_.pdfFolder();
     settings.reportsFolder = folder_.pdfFolder();
@@ -139,7 +153,7 @@ void TfHalvarnMain::showPrint(const PrintJob& job)
         dialogs_->designTemplate(prints_->templatePath(job.templateName),
                                  [this, job](const ReportTemplate& edited) { return prints_->runWith(job, edited); });
     };
-    dialogs_->showPreview(std::make_shared<const PreparedReport>(std::move(*report)), settings);
+    dialogs_->showPreview(std::make_shared<const PreparedReport>(std::move(report)), settings);
 }
 
 // Runs one long operation with every command that could start another one

@@ -1,6 +1,7 @@
 #include "gui/window/UserDialogs.h"
 
 #include "gui/dialogs/TfGET_CO_EXP_WYDR.h"
+#include "gui/dialogs/TfGET_TUKU.h"
 #include "gui/editor/TemplateEditor.h"
 #include "gui/preview/MessageBoxIcon.h"
 #include "gui/preview/TfpRapPrev_FR3.h"
@@ -34,6 +35,15 @@ std::optional<QString> ModalDialogs::herd()
     if (AskHerd(herd, parent_) != QDialog::Accepted)
         return std::nullopt;
     return herd;
+}
+
+std::optional<QString> ModalDialogs::useDirection()
+{
+    QString first;
+    QString code;
+    if (AskUseDirection(first, code, parent_) != QDialog::Accepted || code.isEmpty())
+        return std::nullopt;
+    return code;
 }
 
 void ModalDialogs::openFile(const QString& path)

@@ -22,6 +22,8 @@ public:
     virtual void message(const QString& caption, const QString& text, MessageIcon icon) = 0;
     virtual bool question(const QString& caption, const QString& text) = 0;
     virtual std::optional<QString> herd() = 0;
+    // The code of the new use direction; none when the user cancelled or chose nothing.
+    virtual std::optional<QString> useDirection() = 0;
     virtual void openFile(const QString& path) = 0;
     // The print preview, modal; it goes when the user closes it.
     virtual void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) = 0;
@@ -38,6 +40,7 @@ public:
     void message(const QString& caption, const QString& text, MessageIcon icon) override;
     bool question(const QString& caption, const QString& text) override;
     std::optional<QString> herd() override;
+    std::optional<QString> useDirection() override;
     void openFile(const QString& path) override;
     void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) override;
     void designTemplate(const QString& path,

@@ -94,6 +94,11 @@ bool WindowHost::askYesNo(const QString& caption, const QString& text)
     return dialogs_.question(caption, text);
 }
 
+std::optional<QString> WindowHost::askUseDirection()
+{
+    return dialogs_.useDirection();
+}
+
 std::optional<QString> WindowHost::askHerd()
 {
     return dialogs_.herd();

@@ -45,6 +45,7 @@ public:
     bool askYesNo(const QString& caption, const QString& text) override;
     bool cancelRequested() override { return cancel_; }
     std::optional<QString> askHerd() override;
+    std::optional<QString> askUseDirection() override;
     std::vector<int> summaryRowsInDisplayOrder() override { return summaryRows_(); }
     void openWithDesktop(const QString& path) override;
 

@@ -16,11 +16,17 @@ class QNetworkAccessManager;
 class QNetworkReply;
 class QTimer;
 
-// A failure of the transport, not an HTTP status: no connection, a time-out, a
-// refused redirect, an answer too large. It ends the operation that was asking.
+// A failure of the transport: no connection, a time-out, a refused redirect,
+// an answer too large; or an HTTP error status of a POST, kept in httpStatus().
+// It ends the operation that was asking.
 class RegistryError : public HalvarnError {
 public:
-    using HalvarnError::HalvarnError;
+    explicit RegistryError(const QString& message, int httpStatus = 0) : HalvarnError(message), httpStatus_(httpStatus)
+    {}
+    int httpStatus() const { return httpStatus_; } // 0 when no status line came
+
+private:
+    int httpStatus_;
 };
 
 // The user asked to stop while a request was waited for; the request is aborted.

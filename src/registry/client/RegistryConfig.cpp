@@ -17,5 +17,6 @@ RegistryConfig RegistryConfig::read(const IniFile& settings)
     config.getTimeoutMs = bounded("TimeoutSeconds", config.getTimeoutMs / 1000, TimeoutSecondsLimit) * 1000;
     config.postTimeoutMs = bounded("PostTimeoutSeconds", config.postTimeoutMs / 1000, TimeoutSecondsLimit) * 1000;
     config.maxAnswerBytes = qint64{bounded("MaxAnswerMB", static_cast<int>(config.maxAnswerBytes >> 20), 4096)} << 20;
+    config.testBranch = settings.readBool(section, u"Test"_s, false);
     return config;
 }

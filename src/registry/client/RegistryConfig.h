@@ -15,7 +15,8 @@ struct RegistryConfig {
     int getTimeoutMs = 150'000;
     int postTimeoutMs = 450'000;
     qint64 maxAnswerBytes = 64ll << 20;
-    QStringList problems; // settings refused while reading, each replaced by its default
+    bool testBranch = false; // "Test=1": every request goes to the registry's test branch
+    QStringList problems;    // settings refused while reading, each replaced by its default
 
     static RegistryConfig read(const IniFile& settings);
 };

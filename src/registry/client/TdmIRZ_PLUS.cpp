@@ -172,7 +172,7 @@ QString TdmIRZ_PLUS::post(const QString& url, const QByteArray& body)
     if (!result.failure.isEmpty())
         throw RegistryError(result.failure);
     if (result.httpError())
-        throw RegistryError(u"Serwer zgłosił błąd: "_s + StatusAndMessage(result));
+        throw RegistryError(u"Serwer zgłosił błąd: "_s + StatusAndMessage(result), result.status);
     return QString::fromUtf8(result.body);
 }
 

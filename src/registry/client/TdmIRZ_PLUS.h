@@ -25,7 +25,6 @@ public:
     TdmIRZ_PLUS(RegistryConfig config, OperationHost& host);
 
     QString Token;
-    bool test = false; // true selects the registry's test branch
 
     const RegistryConfig& config() const { return config_; }
 

@@ -154,6 +154,11 @@ void DownloadCommand::writeProducerHeader()
     tables.restoreReadOnly(producer);
 }
 
+bool DownloadCommand::testBranch() const
+{
+    return registry_.config().testBranch;
+}
+
 // Shows the failure that ends a herd and gives it back as the herd's reason.
 QString DownloadCommand::fail(const QString& text)
 {
@@ -169,7 +174,7 @@ bool DownloadCommand::readHerdList(OwningList<TStadoClass>& herds)
         return false;
     session_.SetStatusText(StatusPanel::Step, u"Pobieranie listy stad"_s);
     session_.stepProgress(1);
-    const QString answer = registry_.ListHoldings(session_.ProducerNumber, {}, {}, {}, false);
+    const QString answer = registry_.ListHoldings(session_.ProducerNumber, {}, {}, {}, testBranch());
     if (const auto failure = RegistryFailure(answer)) {
         fail(*failure);
         return false;
@@ -234,7 +239,7 @@ QString DownloadCommand::readHerdAnimals(HerdRead& herd, int index, WelfareAnaly
     session_.SetStatusText(StatusPanel::Step, u"Pobieranie danych"_s);
     session_.stepProgress(1);
     const QString answer =
-        registry_.ListAnimals(session_.ProducerNumber, herd.number, u"BYD"_s, {}, {}, {}, {}, stateDate_, false);
+        registry_.ListAnimals(session_.ProducerNumber, herd.number, u"BYD"_s, {}, {}, {}, {}, stateDate_, testBranch());
     session_.appendLoaded(answer);
     if (const auto failure = RegistryFailure(answer))
         return fail(*failure);
@@ -265,7 +270,7 @@ QString DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, H
     QStringList numbers;
     for (const auto& animal : animals)
         numbers.append(animal->numerIdentyfikacyjnyZwierzecia);
-    auto queue = registry_.animalQueue(session_.ProducerNumber, numbers, false);
+    auto queue = registry_.animalQueue(session_.ProducerNumber, numbers, testBranch());
     AnimalRowWriter writer(session_.tables());
     for (const auto& entry : animals) {
         const TZZIInfoClass& animal = *entry;
@@ -289,6 +294,7 @@ QString DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, H
         session_.stepProgress(2);
         session_.SetStatusText(StatusPanel::Step, u"Rozczytywanie danych: "_s + number);
         writer.write(animal, czyMatka, age, herd.code, herd.slot);
+        session_.useCodes.insert(number, {animal.typUzytkowy.kod, animal.kierunekUzytkownia.kod});
         AnimalFacts facts{animal.plec.kod,
                           animal.typUzytkowy.kod,
                           animal.kierunekUzytkownia.kod,

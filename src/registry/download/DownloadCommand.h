@@ -50,6 +50,7 @@ private:
     THerdSlot& showSlot(const HerdRead& herd);
     void reportLateReferenceDate();
     QString fail(const QString& text);
+    bool testBranch() const;
 
     HalvarnSession& session_;
     TdmIRZ_PLUS& registry_;

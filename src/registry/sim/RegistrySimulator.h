@@ -7,12 +7,15 @@
 
 #include <memory>
 
-// Answers to spoil on purpose: herds are holding numbers, animals ear tags.
+// Answers to spoil on purpose: herds are holding numbers, animals ear tags. Use changes are chosen
+// by the ear tag of the notice's animal, document lists by the ear tag of any document's animal.
 struct SimFaults {
     QSet<QString> httpErrorAnimals, httpErrorHerds;
     QSet<QString> komunikatAnimals, komunikatHerds;
     QSet<QString> notJsonAnimals, notJsonHerds;
     QSet<QString> slowAnimals, slowHerds;
+    QSet<QString> httpErrorUseChange, komunikatUseChange, noNumberUseChange, slowUseChange;
+    QSet<QString> httpErrorDocuments, komunikatDocuments;
     bool komunikatHoldings = false;
     bool notJsonHoldings = false;
     bool httpErrorHoldings = false;
@@ -22,7 +25,8 @@ struct SimFaults {
 
 struct SimOptions {
     int latencyMs = 0;
-    int maxConcurrent = 0; // 0 = unlimited
+    int maxConcurrent = 0;     // 0 = unlimited
+    int approveAfterMs = 3000; // a use change notice stays "being verified" this long; 0 = until the next request
     SimFaults faults;
 };
 

@@ -37,6 +37,12 @@ void AddFaultOptions(QCommandLineParser& parser)
         Value("slow-animal", "powolna odpowiedź dla zwierzęcia", "TAG"),
         Value("slow-herd", "powolna odpowiedź dla listy zwierząt stada", "H"),
         Value("slow-ms", "czas powolnej odpowiedzi", "MS"),
+        Value("fail-use-change", "błąd HTTP 500 dla zgłoszenia zmiany kierunku użytkowania zwierzęcia", "TAG"),
+        Value("komunikat-use-change", "komunikat zamiast przyjęcia zgłoszenia zwierzęcia", "TAG"),
+        Value("no-number-use-change", "zgłoszenie zwierzęcia przyjęte bez numeru dokumentu", "TAG"),
+        Value("slow-use-change", "powolna odpowiedź na zgłoszenie zwierzęcia", "TAG"),
+        Value("fail-document", "błąd HTTP 500 dla listy dokumentów ze zgłoszeniem zwierzęcia", "TAG"),
+        Value("komunikat-document", "komunikat zamiast listy dokumentów ze zgłoszeniem zwierzęcia", "TAG"),
         Flag("refuse-login", "odmawiaj każdego logowania"),
     });
 }
@@ -56,6 +62,12 @@ SimFaults FaultsFrom(const QCommandLineParser& parser)
     faults.slowAnimals = Values(parser, "slow-animal");
     faults.slowHerds = Values(parser, "slow-herd");
     faults.slowMs = parser.value(u"slow-ms"_s).toInt();
+    faults.httpErrorUseChange = Values(parser, "fail-use-change");
+    faults.komunikatUseChange = Values(parser, "komunikat-use-change");
+    faults.noNumberUseChange = Values(parser, "no-number-use-change");
+    faults.slowUseChange = Values(parser, "slow-use-change");
+    faults.httpErrorDocuments = Values(parser, "fail-document");
+    faults.komunikatDocuments = Values(parser, "komunikat-document");
     faults.refuseLogin = parser.isSet(u"refuse-login"_s);
     return faults;
 }

@@ -2,10 +2,10 @@
 
 #include "registry/sim/HttpLib.h"
 
-#include <QDateTime>
 #include <QJsonDocument>
 #include <QRandomGenerator>
 
+#include <algorithm>
 #include <chrono>
 
 using namespace Qt::StringLiterals;
@@ -82,6 +82,7 @@ void SimRegistry::serve(Handler handler, bool needsToken, const httplib::Request
     bool authorised = !needsToken;
     {
         const std::lock_guard lock(mutex_);
+        approveDue();
         authorised = authorised || (authorization.rfind("Bearer ", 0) == 0 &&
                                     tokens_.contains(QString::fromStdString(authorization.substr(7))));
     }
@@ -277,44 +278,114 @@ SimRegistry::Answer SimRegistry::animal(const httplib::Request& request)
     return {200, Json(*found)};
 }
 
+// Notices are approved lazily, when any request comes after their time; called under the mutex.
+void SimRegistry::approveDue()
+{
+    const auto now = std::chrono::steady_clock::now();
+    const auto wait = std::chrono::milliseconds(options_.approveAfterMs);
+    for (SimUseChangeDocument& document : documents_)
+        if (!document.approved && now - document.submitted >= wait)
+            ApproveUseChange(document, findAnimal(document.notice.producer, document.notice.tag));
+}
+
+QJsonArray SimRegistry::documentsOf(const QString& producerNumber, const QString& number, QStringList& tags) const
+{
+    QJsonArray list;
+    for (const SimUseChangeDocument& document : documents_) {
+        if (document.notice.producer != producerNumber || (!number.isEmpty() && document.number() != number))
+            continue;
+        list.append(document.document);
+        tags.append(document.notice.tag);
+    }
+    return list;
+}
+
 SimRegistry::Answer SimRegistry::documents(const httplib::Request& request)
 {
-    const QString number = Param(request, "numerDokumentu");
-    const std::lock_guard lock(mutex_);
-    ++stats_.documentRequests;
+    const QString producerNumber = Param(request, "numerProducenta");
+    const SimFaults faults = options().faults;
+    QStringList tags;
     QJsonArray list;
-    for (const QJsonValue document : documents_)
-        if (number.isEmpty() || document.toObject().value(u"numerDokumentu").toString() == number)
-            list.append(document);
+    {
+        const std::lock_guard lock(mutex_);
+        ++stats_.documentRequests;
+        list = documentsOf(producerNumber, Param(request, "numerDokumentu"), tags);
+    }
+    for (const QString& tag : std::as_const(tags)) {
+        const Answer bad = spoiled(faults.httpErrorDocuments, faults.komunikatDocuments, {}, tag,
+                                   u"Usługa dokumentów chwilowo niedostępna"_s);
+        if (bad.status != 0)
+            return bad;
+    }
+    if (!producer(producerNumber))
+        return {200, Komunikat(u"Nie znaleziono producenta "_s + producerNumber)};
     return {200, Json({{u"dokumenty"_s, list}})};
 }
 
+SimRegistry::Answer SimRegistry::spoiledUseChange(const SimFaults& faults, const QString& tag) const
+{
+    const Answer bad = spoiled(faults.httpErrorUseChange, faults.komunikatUseChange, {}, tag,
+                               u"Usługa zgłoszeń chwilowo niedostępna"_s);
+    if (bad.status != 0)
+        return bad;
+    if (faults.noNumberUseChange.contains(tag))
+        return {200, Komunikat(u"Dokument przyjęty"_s)};
+    if (faults.slowUseChange.contains(tag))
+        pause(faults.slowMs);
+    return {0, {}};
+}
+
+// A notice is refused with every error found at once, or recorded to be approved later;
+// the animal itself changes only at approval.
 SimRegistry::Answer SimRegistry::useChange(const httplib::Request& request)
 {
-    const QJsonObject body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
-    const QJsonObject position = body.value(u"zgloszenie").toObject().value(u"pozycje").toArray().first().toObject();
-    const QString tag = position.value(u"numerIdentyfikacyjnyZwierzecia").toString();
+    QJsonArray errors;
+    const SimUseChangeNotice notice = ReadUseChange(QByteArray::fromStdString(request.body), errors);
+    const SimFaults faults = options().faults;
+    {
+        const std::lock_guard lock(mutex_);
+        ++stats_.useChangeRequests;
+    }
+    const Answer bad = spoiledUseChange(faults, notice.tag);
+    if (bad.status != 0)
+        return bad;
     const std::lock_guard lock(mutex_);
-    ++stats_.useChangeRequests;
-    QJsonObject* animal = findAnimal(body.value(u"numerProducenta").toString(), tag);
-    if (!animal)
-        return {200,
-                Json({{u"komunikat"_s, u"Zgłoszenie odrzucone"_s},
-                      {u"bledy"_s, QJsonArray{QJsonObject{{u"kodBledu"_s, u"ZW-404"_s},
-                                                          {u"komunikat"_s, u"Nie znaleziono zwierzęcia "_s + tag}}}}})};
-    const QString direction = position.value(u"kierunekUzytkowy").toObject().value(u"kod").toString();
-    if (!direction.isEmpty())
-        animal->insert(u"kierunekUzytkownia"_s, QJsonObject{{u"kod"_s, direction}, {u"opis"_s, direction}});
-    const QString number =
-        u"ZTUKU/%1/%2"_s.arg(QDate::currentDate().year()).arg(++documentCounter_, 6, 10, QLatin1Char('0'));
-    const QString now = QDateTime::currentDateTime().toString(u"yyyy-MM-ddTHH:mm:ss");
-    documents_.append(QJsonObject{{u"numerDokumentu"_s, number},
-                                  {u"typDokumentu"_s, u"ZTUKU"_s},
-                                  {u"dataZlozeniaDokumentu"_s, now},
-                                  {u"dataUtworzenia"_s, now},
-                                  {u"dataModyfikacji"_s, now},
-                                  {u"statusDokumentu"_s, u"7"_s},
-                                  {u"numerKancelaryjny"_s, QString::number(documentCounter_)},
-                                  {u"komorkaOrganizacyjna"_s, body.value(u"komorkaOrganizacyjna").toString()}});
-    return {200, Json({{u"numerDokumentu"_s, number}, {u"komunikat"_s, u"Dokument przyjęty"_s}})};
+    checkInRegistry(notice, errors);
+    if (!errors.isEmpty())
+        return {200, Json({{u"komunikat"_s, u"Zgłoszenie odrzucone"_s}, {u"bledy"_s, errors}})};
+    return {200, Json({{u"numerDokumentu"_s, record(notice)}, {u"komunikat"_s, u"Dokument przyjęty"_s}})};
+}
+
+// What only the registry's own records show wrong; called under the mutex.
+void SimRegistry::checkInRegistry(const SimUseChangeNotice& notice, QJsonArray& errors)
+{
+    if (notice.producer.isEmpty())
+        return;
+    if (!producer(notice.producer)) {
+        errors.append(Refusal(SimRefusal::UnknownProducer, u"Nie znaleziono producenta "_s + notice.producer));
+        return;
+    }
+    if (notice.tag.isEmpty())
+        return;
+    QString holding;
+    const QJsonObject* animal = findAnimal(notice.producer, notice.tag, &holding);
+    if (!animal) {
+        errors.append(Refusal(SimRefusal::UnknownAnimal,
+                              u"Nie znaleziono zwierzęcia %1 producenta %2"_s.arg(notice.tag, notice.producer)));
+        return;
+    }
+    CheckAnimal(*animal, holding, notice, errors);
+    const auto pending = std::find_if(documents_.cbegin(), documents_.cend(), [&notice](const SimUseChangeDocument& d) {
+        return !d.approved && d.notice.producer == notice.producer && d.notice.tag == notice.tag;
+    });
+    if (pending != documents_.cend())
+        errors.append(Refusal(SimRefusal::StillVerified, u"Zwierzę %1 ma już zgłoszenie %2 w trakcie weryfikacji"_s.arg(
+                                                             notice.tag, pending->number())));
+}
+
+// Called under the mutex.
+QString SimRegistry::record(const SimUseChangeNotice& notice)
+{
+    documents_.push_back(NewSimUseChangeDocument(notice, ++documentCounter_));
+    return documents_.back().number();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "registry/sim/RegistrySimulator.h"
+#include "registry/sim/SimUseChange.h"
 
 #include <QHash>
 #include <QJsonArray>
@@ -8,6 +9,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace httplib {
 class Server;
@@ -43,6 +45,11 @@ private:
     Answer animal(const httplib::Request& request);
     Answer documents(const httplib::Request& request);
     Answer useChange(const httplib::Request& request);
+    Answer spoiledUseChange(const SimFaults& faults, const QString& tag) const;
+    void checkInRegistry(const SimUseChangeNotice& notice, QJsonArray& errors);
+    QString record(const SimUseChangeNotice& notice);
+    QJsonArray documentsOf(const QString& producerNumber, const QString& number, QStringList& tags) const;
+    void approveDue();
 
     const SimProducer* producer(const QString& number) const;
     QJsonObject* findAnimal(const QString& producerNumber, const QString& tag, QString* holding = nullptr);
@@ -62,7 +69,7 @@ private:
     SimStats stats_;
     QHash<QString, AnimalPlace> animalIndex_; // producer number + "/" + ear tag
     QSet<QString> tokens_;
-    QJsonArray documents_;
+    std::vector<SimUseChangeDocument> documents_;
     int active_ = 0;
     int documentCounter_ = 0;
 };

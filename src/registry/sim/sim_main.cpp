@@ -62,6 +62,18 @@ bool ReadDemoOptions(const QCommandLineParser& parser, DemoOptions& demo, QStrin
     return demo.referenceDate.isValid();
 }
 
+bool ReadApproveAfter(const QCommandLineParser& parser, SimOptions& options, QString& error)
+{
+    if (!parser.isSet(u"approve-after-ms"_s))
+        return true;
+    const QString text = parser.value(u"approve-after-ms"_s);
+    bool ok = false;
+    options.approveAfterMs = text.toInt(&ok);
+    if (!ok || options.approveAfterMs < 0)
+        error = u"Niepoprawny czas --approve-after-ms: %1 (liczba milisekund, 0 lub więcej)"_s.arg(text);
+    return ok && options.approveAfterMs >= 0;
+}
+
 void Quit(int)
 {
     QCoreApplication::quit();
@@ -84,6 +96,7 @@ int main(int argc, char* argv[])
         Value("save-data", "zapisz wygenerowane dane i zakończ", "FILE"),
         Value("latency-ms", "opóźnienie każdej odpowiedzi", "MS"),
         Value("max-concurrent", "najwięcej obsługiwanych naraz zapytań", "C"),
+        Value("approve-after-ms", "czas weryfikacji zgłoszenia zmiany kierunku użytkowania (domyślnie 3000)", "MS"),
     });
     AddFaultOptions(parser);
     parser.process(app);
@@ -94,6 +107,11 @@ int main(int argc, char* argv[])
     DemoOptions demo;
     QString error;
     if (!ReadPort(parser, port, error) || !ReadDemoOptions(parser, demo, error)) {
+        err << error << Qt::endl;
+        return 2;
+    }
+    SimOptions options;
+    if (!ReadApproveAfter(parser, options, error)) {
         err << error << Qt::endl;
         return 2;
     }
@@ -115,7 +133,6 @@ int main(int argc, char* argv[])
         file.write(QJsonDocument(data.toJson()).toJson());
         return 0;
     }
-    SimOptions options;
     options.latencyMs = parser.value(u"latency-ms"_s).toInt();
     options.maxConcurrent = parser.value(u"max-concurrent"_s).toInt();
     options.faults = FaultsFrom(parser);

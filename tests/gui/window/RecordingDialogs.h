@@ -26,6 +26,7 @@ public:
     QStringList questions;
     bool answerYes = true;
     std::optional<QString> herdChoice = u"ALL"_s;
+    std::optional<QString> directionChoice;
     QStringList opened;
     std::vector<Preview> previews;
     QStringList designed;
@@ -40,6 +41,7 @@ public:
         return answerYes;
     }
     std::optional<QString> herd() override { return herdChoice; }
+    std::optional<QString> useDirection() override { return directionChoice; }
     void openFile(const QString& path) override { opened.append(path); }
     void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) override
     {

@@ -204,7 +204,7 @@ void TestMainWindow::startsEmptyIdleOnLoadedDataPage()
     QCOMPARE(status->text(StatusDisplay::Today), QDate::currentDate().toString(u"dd.MM.yyyy"));
     QVERIFY(!child<QGroupBox>("lcErrors")->isVisible());
     QVERIFY(!window_->session().common.torvLogin);
-    for (const char* name : {"cxButton3", "cxButton6"}) // commands of later versions
+    for (const char* name : {"cxButton6"}) // commands of later versions
         QVERIFY2(!child<QPushButton>(name)->isEnabled(), name);
 }
 

@@ -1,4 +1,5 @@
 #include "core/session/HalvarnSession.h"
+#include "framework/IniFile.h"
 #include "gui/grids/SummaryGrid.h"
 #include "gui/window/RecordingDialogs.h"
 #include "gui/window/TfHalvarnMain.h"
@@ -195,6 +196,39 @@ private Q_SLOTS:
         preview.settings.design();
         QCOMPARE(dialogs_->designed,
                  QStringList{folder().templatesFolder() + PrintCommands::templateName(HerdPrint::Groups)});
+    }
+
+    void useChangeWithoutTicksSendsNothing()
+    {
+        click("cxButton3");
+        QCOMPARE(dialogs_->texts(), QStringList{u"Nie wybrano pozycji do zmiany"_s});
+        QVERIFY(dialogs_->previews.empty());
+        QCOMPARE(registry_->stats().useChangeRequests, 0);
+    }
+
+    // Two ticked animals go to the registry after the question; the
+    // confirmation opens in the preview and their ticks are cleared.
+    void useChangeSendsTheTickedAnimalsAndShowsTheConfirmation()
+    {
+        IniFile(folder().settingsFile()).writeInteger(u"TUKU"_s, u"WaitSeconds"_s, 0);
+        Table& animals = tables().mdRZ00();
+        for (int row : {0, 1}) {
+            animals.moveTo(row);
+            animals.edit();
+            animals.setValue(u"ZAZNACZONE", true);
+            animals.post();
+        }
+        dialogs_->directionChoice = u"MI"_s;
+        click("cxButton3");
+        QCOMPARE(dialogs_->questions, QStringList{u"Wysłać zmianę kierunku użytkowania na „Mięsny” dla 2 zwierząt?"_s});
+        QCOMPARE(registry_->stats().useChangeRequests, 2);
+        QCOMPARE(tables().mdTUKU().recordCount(), 2);
+        QVERIFY(dialogs_->texts().last().startsWith(u"Wysłano zgłoszeń: 2. Przyjęto: 2."_s));
+        const QStringList page = shownReport().pageTexts(0);
+        QVERIFY(page.join(u' ').contains(u"W trakcie weryfikacji"_s));
+        for (int row : {0, 1})
+            QVERIFY(!AsBoolean(animals.at(row, animals.requireField(u"ZAZNACZONE"))));
+        QVERIFY(!window_->operationRunning());
     }
 };
 

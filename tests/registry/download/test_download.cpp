@@ -168,6 +168,7 @@ private Q_SLOTS:
     void statusTextsAndProgressFollowTheSteps();
     void gatherCredentials_data();
     void gatherCredentials();
+    void theTestBranchSettingMovesEveryRequest();
 };
 
 void TestDownload::fullDownloadFillsTablesSlotsAndMemos()
@@ -524,6 +525,20 @@ void TestDownload::gatherCredentials()
     d.session.inputs.producerNumber = u"123456789"_s;
     d.session.GatherCredentials();
     QCOMPARE(QStringList({d.session.Login, d.session.Password, d.session.ProducerNumber}).join(u'|'), gathered);
+}
+
+void TestDownload::theTestBranchSettingMovesEveryRequest()
+{
+    FakeRegistry registry;
+    Download d;
+    IniFile(d.session.dataFolder().settingsFile()).writeInteger(u"IRZ"_s, u"Test"_s, 1);
+    d.run(registry);
+    QCOMPARE(d.outcome, DownloadOutcome::Completed);
+    QCOMPARE(d.requestsFor("/api/prod/"), 0);
+    QCOMPARE(d.requestsFor("/api/test/"), static_cast<int>(d.requests.size()) - 1); // all but the log-in
+    // the registry's codes of use type and direction stay beside the descriptions in the tables
+    QCOMPARE(d.session.useCodes.size(), 6);
+    QCOMPARE(d.session.useCodes.value(u"PL101"_s).useDirection, u"ML"_s);
 }
 
 QTEST_GUILESS_MAIN(TestDownload)

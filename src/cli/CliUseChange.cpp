@@ -1,0 +1,58 @@
+#include "cli/CliUseChange.h"
+
+#include "cli/CliHost.h"
+#include "cli/CliOptions.h"
+#include "cli/CliPrints.h"
+#include "registry/usechange/UseChangeCommand.h"
+#include "reports/print/PrintCommands.h"
+#include "reports/print/TdmulmxDataBase_FR3.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+enum UseChangeExit { AllAccepted = 0, StoppedEarly = 1, UnknownAnimal = 2, NotAllAccepted = 3 };
+
+// False, with the tags named on stderr, when an animal is not in mdRZ00.
+bool MarkAnimals(HalvarnSession& session, const QStringList& tags)
+{
+    Table& animals = session.tables().mdRZ00();
+    const int number = animals.requireField(u"NumerIdentyfikacyjny");
+    const int mark = animals.requireField(u"ZAZNACZONE");
+    QStringList missing;
+    for (const QString& tag : tags) {
+        if (!animals.locate(number, tag)) {
+            missing.append(tag);
+            continue;
+        }
+        animals.setReadOnly(false);
+        animals.edit();
+        animals.setValue(mark, true);
+        animals.post();
+        session.tables().restoreReadOnly(animals);
+    }
+    if (!missing.isEmpty())
+        QTextStream(stderr) << u"Nie ma w pobranych danych zwierząt: "_s << missing.join(u", "_s) << Qt::endl;
+    return missing.isEmpty();
+}
+} // namespace
+
+int RunUseChange(HalvarnSession& session, TdmIRZ_PLUS& registry, CliHost& host, const CliOptions& options)
+{
+    if (!MarkAnimals(session, options.mark))
+        return UnknownAnimal;
+    host.setUseDirection(options.useChange);
+    TdmulmxDataBase_FR3 reports;
+    PrintCommands prints(session, reports);
+    const UseChangeResult result = UseChangeCommand(session, registry, prints).run();
+    QTextStream err(stderr);
+    for (const QString& tag : result.refused)
+        err << u"Odrzucono: "_s << tag << Qt::endl;
+    for (const QString& tag : result.unconfirmed)
+        err << u"Bez potwierdzenia: "_s << tag << Qt::endl;
+    const bool printed =
+        !result.report || options.pdfDir.isEmpty() ||
+        WritePrintPdf(*result.report, options.pdfDir, PrintCommands::useChangeTemplateName(), session.ProducerNumber);
+    if (!printed || result.outcome != UseChangeOutcome::Sent)
+        return StoppedEarly;
+    return result.refused.isEmpty() && result.unconfirmed.isEmpty() ? AllAccepted : NotAllAccepted;
+}

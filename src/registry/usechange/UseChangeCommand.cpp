@@ -1,0 +1,402 @@
+#include "registry/usechange/UseChangeCommand.h"
+
+#include "core/session/HalvarnSession.h"
+#include "framework/IniFile.h"
+#include "registry/client/TdmIRZ_PLUS.h"
+#include "registry/usechange/DocumentStatus.h"
+#include "registry/usechange/UseDirections.h"
+#include "reports/print/PrintCommands.h"
+
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTimer>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString Caption = u"Zmiana kierunku użytkowania"_s;
+
+// "dla 1 zwierzęcia", "dla 3 zwierząt"
+QString Animals(int count)
+{
+    return count == 1 ? u"1 zwierzęcia"_s : u"%1 zwierząt"_s.arg(count);
+}
+
+// "KB: " code "->" message "; " for every error of the answer.
+QString ErrorsText(const QJsonObject& root)
+{
+    QString text;
+    for (const QJsonValue entry : root.value(u"bledy").toArray()) {
+        OwningList<TBladClass> errors;
+        TBladClass::Parse(entry.toObject(), errors);
+        text += u"KB: "_s + errors.front()->kodBledu + u"->"_s + errors.front()->komunikat + u"; "_s;
+    }
+    return text;
+}
+
+// Keeps the long operation's frame up for as long as the command runs, also
+// when a step fails.
+class LongOperation {
+public:
+    explicit LongOperation(HalvarnSession& session) : session_(session) { session_.BeginLongOperation(); }
+    ~LongOperation() { session_.EndLongOperation(); }
+    LongOperation(const LongOperation&) = delete;
+    LongOperation& operator=(const LongOperation&) = delete;
+
+private:
+    HalvarnSession& session_;
+};
+} // namespace
+
+UseChangeCommand::UseChangeCommand(HalvarnSession& session, TdmIRZ_PLUS& registry, PrintCommands& prints)
+    : session_(session), registry_(registry), prints_(prints)
+{}
+
+UseChangeResult UseChangeCommand::run()
+{
+    session_.GatherCredentials();
+    producer_ = session_.ProducerNumber;
+    const LongOperation frame(session_);
+    try {
+        change();
+    } catch (const std::exception& error) {
+        if (result_.outcome == UseChangeOutcome::Sent)
+            result_.outcome = UseChangeOutcome::Stopped;
+        session_.host().showMessage(u"Błąd"_s, QString::fromUtf8(error.what()), MessageIcon::Error);
+    }
+    return std::move(result_);
+}
+
+void UseChangeCommand::change()
+{
+    step(u"Liczenie danych"_s);
+    const int marked = countMarked();
+    if (marked == 0) {
+        session_.host().showMessage(Caption, u"Nie wybrano pozycji do zmiany"_s, MessageIcon::Information);
+        return;
+    }
+    if (!sameProducer())
+        return;
+    const std::optional<QString> code = session_.host().askUseDirection();
+    if (!code || code->isEmpty() || !confirm(marked, *code))
+        return;
+    step(u"Przygotowanie danych"_s);
+    const std::vector<UseChangeNotice> notices = collect(*code);
+    session_.tables().ClearTable(session_.tables().mdTUKU());
+    journal_.emplace(session_.dataFolder().useChangeJournal(), producer_);
+    result_.outcome = UseChangeOutcome::Stopped;
+    step(u"Logowanie"_s);
+    if (!registry_.Authorize(session_.Login, session_.Password))
+        return;
+    if (send(notices))
+        result_.outcome = UseChangeOutcome::Sent;
+    if (result_.accepted > 0 && !cancelled_) {
+        waitForRegistry();
+        checkStatuses();
+    }
+    prepareReport();
+    tellResult(marked);
+}
+
+int UseChangeCommand::countMarked() const
+{
+    const Table& animals = session_.tables().mdRZ00();
+    const int mark = animals.requireField(u"ZAZNACZONE");
+    int count = 0;
+    for (int row = 0; row < animals.recordCount(); ++row)
+        count += AsBoolean(animals.at(row, mark)) ? 1 : 0;
+    return count;
+}
+
+// The ticked animals are those of the downloaded producer; a number typed
+// since then would send them under another producer.
+bool UseChangeCommand::sameProducer() const
+{
+    Table& header = session_.tables().mdProducent();
+    const QString downloaded = header.isEmpty() ? producer_ : AsString(header.at(0, header.requireField(u"PRODUCENT")));
+    if (downloaded == producer_)
+        return true;
+    session_.host().showMessage(Caption,
+                                u"Zaznaczone zwierzęta należą do producenta %1, a numer producenta to teraz %2. "
+                                u"Przywróć numer albo pobierz dane ponownie."_s.arg(downloaded, producer_),
+                                MessageIcon::Warning);
+    return false;
+}
+
+bool UseChangeCommand::confirm(int count, const QString& code)
+{
+    QString question =
+        u"Wysłać zmianę kierunku użytkowania na „%1” dla %2?"_s.arg(UseDirectionName(code), Animals(count));
+    if (testBranch())
+        question += u"\n\nZgłoszenia trafią do gałęzi TESTOWEJ rejestru."_s;
+    return session_.host().askYesNo(u"Pytanie"_s, question);
+}
+
+// The ticked animals herd by herd, in the table's order within a herd.
+std::vector<UseChangeNotice> UseChangeCommand::collect(const QString& code) const
+{
+    const Table& animals = session_.tables().mdRZ00();
+    const int mark = animals.requireField(u"ZAZNACZONE");
+    const int herd = animals.requireField(u"STADO");
+    const int number = animals.requireField(u"NumerIdentyfikacyjny");
+    const int holding = animals.requireField(u"NumerDzialalnosci");
+    std::vector<UseChangeNotice> notices;
+    for (int row = 0; row < animals.recordCount(); ++row) {
+        if (!AsBoolean(animals.at(row, mark)))
+            continue;
+        const QString animal = AsString(animals.at(row, number));
+        const UseCodes codes = session_.useCodes.value(animal);
+        notices.push_back({row, AsString(animals.at(row, herd)), animal, AsString(animals.at(row, holding)),
+                           codes.useType, codes.useDirection, codes.useType, code});
+    }
+    std::stable_sort(notices.begin(), notices.end(),
+                     [](const UseChangeNotice& a, const UseChangeNotice& b) { return a.herd < b.herd; });
+    return notices;
+}
+
+// False when the user stopped before every notice was sent.
+bool UseChangeCommand::send(const std::vector<UseChangeNotice>& notices)
+{
+    session_.setProgress(2, 0, static_cast<int>(notices.size()));
+    for (const UseChangeNotice& notice : notices) {
+        if (cancelled_ || session_.host().cancelRequested()) {
+            cancelled_ = true;
+            return false;
+        }
+        sendOne(notice);
+        session_.stepProgress(2);
+    }
+    return !cancelled_;
+}
+
+// The notice is in the journal before it leaves. A client error status is a
+// refusal; an answer that never came, or a server error, leaves the notice
+// "not confirmed", since the registry may have received it.
+void UseChangeCommand::sendOne(const UseChangeNotice& notice)
+{
+    journal_->append(notice, JournalEvent::Sent);
+    ++sent_;
+    step(u"Stado: "_s + notice.herd + u" - Wysyłanie zmiany"_s);
+    QString answer;
+    try {
+        answer = registry_.SubmitUseChange(producer_, {}, notice.holding, u"BYD"_s, ToDateTime(QDate::currentDate()),
+                                           notice.animal, notice.tuNew, notice.kuNew, testBranch());
+    } catch (const RequestCancelled& stop) {
+        cancelled_ = true;
+        record(notice, JournalEvent::Unconfirmed, stop.message());
+        return;
+    } catch (const RegistryError& failure) {
+        const bool refused = failure.httpStatus() >= 400 && failure.httpStatus() < 500;
+        record(notice, refused ? JournalEvent::Refused : JournalEvent::Unconfirmed, failure.message());
+        return;
+    }
+    analyse(notice, answer);
+}
+
+void UseChangeCommand::analyse(const UseChangeNotice& notice, const QString& answer)
+{
+    step(u"Stado: "_s + notice.herd + u" - Analiza i zapis"_s);
+    const QJsonDocument document = QJsonDocument::fromJson(answer.toUtf8());
+    if (!document.isObject()) {
+        record(notice, JournalEvent::Unconfirmed,
+               u"Odpowiedź serwera nie jest poprawnym obiektem JSON: "_s + answer.left(60));
+        return;
+    }
+    const QJsonObject root = document.object();
+    const QString komunikat = root.value(u"komunikat").toString();
+    const QString number = root.value(u"numerDokumentu").toString();
+    const QString errors = ErrorsText(root);
+    const JournalEvent event = !number.isEmpty()   ? JournalEvent::Accepted
+                               : !errors.isEmpty() ? JournalEvent::Refused
+                                                   : JournalEvent::Unconfirmed;
+    record(notice, event, komunikat, number, errors);
+}
+
+// The journal first, then the row, then the tally and the tick.
+void UseChangeCommand::record(const UseChangeNotice& notice, JournalEvent event, const QString& komunikat,
+                              const QString& document, const QString& errors)
+{
+    journal_->append(notice, event, document, errors.isEmpty() ? komunikat : errors);
+    appendRow(notice, komunikat, document, errors);
+    if (event == JournalEvent::Accepted) {
+        ++result_.accepted;
+        clearMark(notice.row);
+    } else if (event == JournalEvent::Refused) {
+        result_.refused.append(notice.animal);
+    } else {
+        result_.unconfirmed.append(notice.animal);
+    }
+}
+
+void UseChangeCommand::appendRow(const UseChangeNotice& notice, const QString& komunikat, const QString& document,
+                                 const QString& errors)
+{
+    Table& table = session_.tables().mdTUKU();
+    table.setReadOnly(false);
+    table.append();
+    table.setValue(u"STADO", notice.herd);
+    table.setValue(u"NumerIdentyfikacyjny", notice.animal);
+    table.setValue(u"TU_OLD", notice.tuOld);
+    table.setValue(u"TU_NEW", notice.tuNew);
+    table.setValue(u"KU_OLD", notice.kuOld);
+    table.setValue(u"KU_NEW", notice.kuNew);
+    if (!komunikat.isEmpty())
+        table.setValue(u"Komunikat", komunikat);
+    if (!document.isEmpty())
+        table.setValue(u"NumerDokumentu", document);
+    if (!errors.isEmpty())
+        table.setValue(u"BLEDY", errors);
+    table.post();
+    session_.tables().restoreReadOnly(table);
+}
+
+void UseChangeCommand::clearMark(int row)
+{
+    Table& animals = session_.tables().mdRZ00();
+    animals.setReadOnly(false);
+    animals.moveTo(row);
+    animals.edit();
+    animals.setValue(u"ZAZNACZONE", false);
+    animals.post();
+    session_.tables().restoreReadOnly(animals);
+}
+
+// The registry needs a moment before a new document has a status; the user may cut the wait short.
+void UseChangeCommand::waitForRegistry()
+{
+    QStringList problems;
+    const int seconds =
+        IniFile(session_.dataFolder().settingsFile()).readInteger(u"TUKU"_s, u"WaitSeconds"_s, 10, {0, 600}, problems);
+    for (const QString& problem : problems)
+        session_.appendError(problem);
+    step(u"Odczekanie na reakcję serwera"_s);
+    session_.setProgress(2, 0, seconds);
+    QElapsedTimer waited;
+    waited.start();
+    while (waited.elapsed() < seconds * 1000LL) {
+        if (session_.host().cancelRequested()) {
+            cancelled_ = true;
+            return;
+        }
+        QEventLoop pause;
+        QTimer::singleShot(std::min<qint64>(100, seconds * 1000LL - waited.elapsed()), &pause, &QEventLoop::quit);
+        pause.exec();
+        if (session_.progress(2).position != static_cast<int>(waited.elapsed() / 1000))
+            session_.setProgress(2, static_cast<int>(waited.elapsed() / 1000), seconds);
+    }
+}
+
+void UseChangeCommand::checkStatuses()
+{
+    step(u"Sprawdzenie statusów"_s);
+    Table& table = session_.tables().mdTUKU();
+    session_.setProgress(2, 0, table.recordCount());
+    for (int row = 0; row < table.recordCount() && !cancelled_; ++row) {
+        if (!AsString(table.at(row, table.requireField(u"NumerDokumentu"))).isEmpty())
+            checkStatus(row);
+        session_.stepProgress(2);
+    }
+}
+
+// A failed query is reported and leaves the row as it was; the next row is asked all the same.
+void UseChangeCommand::checkStatus(int row)
+{
+    Table& table = session_.tables().mdTUKU();
+    const auto text = [&table, row](const char* field) { return AsString(table.at(row, table.requireField(field))); };
+    const UseChangeNotice notice{-1,
+                                 text("STADO"),
+                                 text("NumerIdentyfikacyjny"),
+                                 {},
+                                 text("TU_OLD"),
+                                 text("KU_OLD"),
+                                 text("TU_NEW"),
+                                 text("KU_NEW")};
+    const QString document = text("NumerDokumentu");
+    session_.SetStatusText(StatusPanel::Step, u"Stado: "_s + notice.herd + u" - sprawdz. statusu"_s);
+    QString answer;
+    try {
+        answer = registry_.ListDocuments(producer_, document, EmptyDate, EmptyDate, testBranch());
+    } catch (const RequestCancelled&) {
+        cancelled_ = true;
+        return;
+    } catch (const RegistryError& failure) {
+        return statusFailed(notice, document, u"Serwer zgłosił błąd: "_s + failure.message());
+    }
+    if (answer.startsWith(ErrorMarker))
+        return statusFailed(notice, document, u"Serwer zgłosił błąd: "_s + answer.mid(ErrorMarker.size()));
+    const QJsonObject root = QJsonDocument::fromJson(answer.toUtf8()).object();
+    if (root.contains(u"komunikat"))
+        return statusFailed(notice, document, u"Serwer zwrócił komunikat: "_s + root.value(u"komunikat").toString());
+    OwningList<TDokumInfOgolneClass> documents;
+    try {
+        documents = DocumentsIn(answer.toUtf8());
+    } catch (const std::exception& error) {
+        return statusFailed(notice, document, QString::fromUtf8(error.what()));
+    }
+    const auto found = std::find_if(documents.begin(), documents.end(),
+                                    [&document](const auto& entry) { return entry->numerDokumentu == document; });
+    if (found == documents.end())
+        return statusFailed(notice, document, u"Rejestr nie zwrócił dokumentu "_s + document);
+    const int code = (*found)->statusDokumentu.trimmed().toInt();
+    table.setReadOnly(false);
+    table.moveTo(row);
+    table.edit();
+    table.setValue(u"ST_KOD", code);
+    table.setValue(u"ST_OPIS", DocumentStatusText(code));
+    table.post();
+    session_.tables().restoreReadOnly(table);
+    journal_->append(notice, JournalEvent::Status, document, u"%1 %2"_s.arg(code).arg(DocumentStatusText(code)));
+}
+
+void UseChangeCommand::statusFailed(const UseChangeNotice& notice, const QString& document, const QString& text)
+{
+    ++statusFailures_;
+    session_.appendError(text + u" (dokument %1, zwierzę %2)"_s.arg(document, notice.animal));
+    journal_->append(notice, JournalEvent::Status, document, text);
+}
+
+void UseChangeCommand::prepareReport()
+{
+    if (session_.tables().mdTUKU().isEmpty())
+        return;
+    step(u"Przygotowanie raportu"_s);
+    result_.report = prints_.run(prints_.useChange());
+}
+
+void UseChangeCommand::tellResult(int marked)
+{
+    if (sent_ == 0)
+        return;
+    QStringList lines{u"Wysłano zgłoszeń: %1. Przyjęto: %2. Odrzucono: %3. Bez potwierdzenia: %4."_s.arg(sent_)
+                          .arg(result_.accepted)
+                          .arg(result_.refused.size())
+                          .arg(result_.unconfirmed.size())};
+    if (!result_.refused.isEmpty())
+        lines.append(u"Odrzucone (pozostały zaznaczone): "_s + result_.refused.join(u", "_s));
+    if (!result_.unconfirmed.isEmpty())
+        lines.append(u"Bez potwierdzenia rejestru (mogły do niego dotrzeć; sprawdź je przed ponownym wysłaniem): "_s +
+                     result_.unconfirmed.join(u", "_s));
+    if (sent_ < marked)
+        lines.append(u"Przerwano: nie wysłano %1 z %2 zaznaczonych zwierząt."_s.arg(marked - sent_).arg(marked));
+    if (statusFailures_ > 0)
+        lines.append(u"Nie sprawdzono statusu %1 dokumentów (szczegóły w polu „Błąd”)."_s.arg(statusFailures_));
+    lines.append(u"Liczby w grupach nie zostały przeliczone: nowy kierunek użytkowania pojawi się po zatwierdzeniu "
+                 u"zgłoszenia przez rejestr i ponownym pobraniu danych."_s);
+    const bool clean = result_.refused.isEmpty() && result_.unconfirmed.isEmpty() && sent_ == marked;
+    session_.host().showMessage(Caption, lines.join(u'\n'), clean ? MessageIcon::Information : MessageIcon::Warning);
+}
+
+void UseChangeCommand::step(const QString& text)
+{
+    session_.SetStatusText(StatusPanel::Step, text);
+}
+
+bool UseChangeCommand::testBranch() const
+{
+    return registry_.config().testBranch;
+}
