@@ -161,6 +161,9 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
         {u"demo"_s, u"użyj wbudowanego symulatora rejestru"_s},
         {u"yes"_s, u"odpowiadaj Tak na pytania, bez czytania standardowego wejścia"_s},
     });
+    QCommandLineOption debugError(u"debug-error"_s, u"próbny błąd programu"_s);
+    debugError.setFlags(QCommandLineOption::HiddenFromHelp);
+    parser.addOption(debugError);
     if (!parser.parse(arguments)) {
         error = parser.errorText();
         return false;
@@ -183,6 +186,7 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
         useChange = parser.value(u"use-change"_s);
     demo = parser.isSet(u"demo"_s);
     answerYes = parser.isSet(u"yes"_s);
+    failOnPurpose = parser.isSet(debugError);
     if (parser.isSet(u"sso-base"_s))
         ssoBase = parser.value(u"sso-base"_s);
     if (parser.isSet(u"api-base"_s))

@@ -26,6 +26,7 @@ struct CliOptions {
     std::optional<int> timeoutSeconds;
     bool demo = false;
     bool answerYes = false;
+    bool failOnPurpose = false; // --debug-error, not in the help: shows what an unhandled error gives
 
     bool parse(const QStringList& arguments, QString& error);
     void applyTo(RegistryConfig& config) const;

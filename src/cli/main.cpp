@@ -8,6 +8,8 @@
 #include "export/ExportCommands.h"
 #include "framework/IniFile.h"
 #include "framework/SafeFile.h"
+#include "framework/errors/CrashRecord.h"
+#include "framework/errors/ErrorControl.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
 #include "registry/sim/RegistrySimulator.h"
@@ -18,11 +20,34 @@
 #include <QTextStream>
 
 #include <memory>
+#include <stdexcept>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-enum ExitCode { Completed = 0, StoppedEarly = 1, BadArguments = 2, Incomplete = 3 };
+enum ExitCode { Completed = 0, StoppedEarly = 1, BadArguments = 2, Incomplete = 3, UnhandledError = 4 };
+
+// The terminal as the host of the error control: the report goes to stderr.
+class CliErrorHost : public ErrorControlHost {
+public:
+    void showMessage(const QString& text) override { QTextStream(stderr) << text << Qt::endl; }
+    bool askToClose(const QString&) override { return true; }
+    void closeProgram() override {}
+    bool saveScreenshot(const QString&) override { return false; }
+    void showReport(const QString& report, const QString&) override { QTextStream(stderr) << report << Qt::endl; }
+};
+
+// An error nothing handled: its report on stderr and in the data folder's error log.
+int ReportUnhandled(const std::exception_ptr& error, const CliOptions& options)
+{
+    const DataFolder folder(DataFolder::resolve(options.dataDir));
+    folder.prepare();
+    CliErrorHost host;
+    ErrorControl control({folder.errorLog(), {}, ProgramNames()}, host);
+    control.setSecrets([&options] { return QStringList{options.inputs.login, options.inputs.password}; });
+    control.report(Describe(error));
+    return UnhandledError;
+}
 
 bool RanToItsEnd(DownloadOutcome outcome)
 {
@@ -158,13 +183,25 @@ int main(int argc, char* argv[])
     QGuiApplication app(argc, argv);
     QCoreApplication::setApplicationName(u"Halvarn"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(HALVARN_VERSION));
-    if (app.arguments().value(1) == u"render")
-        return RunRender(app.arguments());
+    if (app.arguments().value(1) == u"render") {
+        try {
+            return RunRender(app.arguments());
+        } catch (...) {
+            return ReportUnhandled(std::current_exception(), CliOptions());
+        }
+    }
     CliOptions options;
     QString error;
     if (!options.parse(app.arguments(), error)) {
         QTextStream(stderr) << error << Qt::endl;
         return BadArguments;
     }
-    return RunDownload(options);
+    InstallCrashRecorder(DataFolder(DataFolder::resolve(options.dataDir)).crashRecord());
+    try {
+        if (options.failOnPurpose)
+            throw std::logic_error("Próbny błąd programu (--debug-error)");
+        return RunDownload(options);
+    } catch (...) {
+        return ReportUnhandled(std::current_exception(), options);
+    }
 }

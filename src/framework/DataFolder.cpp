@@ -19,9 +19,13 @@ QString DataFolder::resolve(const QString& commandLineDir)
 
 DataFolder::DataFolder(QString root) : root_(QDir::cleanPath(std::move(root))) {}
 
+// The screenshot folder is made only at the first start: a user who deletes it
+// turns the screenshots of error reports off.
 bool DataFolder::prepare() const
 {
     QDir dir;
+    if (!dir.exists(root_) && !dir.mkpath(file(u"SCREENSHOTS"_s)))
+        return false;
     for (const QString& sub : {u"EXPORT"_s, u"SZABLONY"_s, u"PDF"_s})
         if (!dir.mkpath(file(sub)))
             return false;
@@ -35,5 +39,6 @@ CommonSettings CommonSettings::read(const QString& path)
     CommonSettings settings;
     settings.tester = ini.readBool(section, u"TESTER"_s, false);
     settings.torvLogin = ini.readBool(section, u"TORV_Login"_s, false);
+    settings.screenshotFolder = ini.readString(section, u"SCREENSHOTS"_s, {});
     return settings;
 }

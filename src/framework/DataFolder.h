@@ -25,6 +25,9 @@ public:
     QString templatesFolder() const { return file(u"SZABLONY"_s) + u'/'; }
     QString pdfFolder() const { return file(u"PDF"_s) + u'/'; }
     QString useChangeJournal() const { return file(u"TUKU.LOG"_s); }
+    QString errorLog() const { return file(u"BLEDY.LOG"_s); }
+    QString crashRecord() const { return file(u"AWARIA.DAT"_s); }
+    QString screenshotFolder() const { return file(u"SCREENSHOTS"_s); }
 
 private:
     QString file(const QString& name) const { return root_ + u'/' + name; }
@@ -36,6 +39,7 @@ private:
 struct CommonSettings {
     bool tester = false;
     bool torvLogin = false;
+    QString screenshotFolder; // of error reports; empty: the data folder's "SCREENSHOTS"
 
     static CommonSettings read(const QString& path);
 };

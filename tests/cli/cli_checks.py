@@ -148,6 +148,19 @@ ACCEPTED_ARGUMENTS = [
 ]
 
 
+def check_unhandled_error(cli):
+    """An error nothing handled: its report on stderr and in the error log, exit 4, no password in either."""
+    with tempfile.TemporaryDirectory() as data:
+        result = run(cli, "download", "--demo", "--data-dir", data, "--debug-error", "--password", "Tajne!haslo9")
+        expect(result.returncode == 4, f"unhandled error: exit {result.returncode}: {result.stderr}")
+        expect(re.search(r"^Exception std::logic_error (in|at) ", result.stderr, re.M), f"report: {result.stderr}")
+        expect(" CallStack:" in result.stderr, "the call stack")
+        log = open(os.path.join(data, "BLEDY.LOG"), "rb").read().decode("cp1250")
+        expect(log.startswith("Error. Date: ") and "\r\nException std::logic_error" in log, f"log: {log[:200]}")
+        expect("Tajne!haslo9" not in log + result.stderr, "the password stays out")
+    expect("debug-error" not in run(cli, "download", "--help").stdout, "the switch is hidden")
+
+
 def check_arguments(cli):
     for arguments, named in BAD_ARGUMENTS:
         result = run(cli, "download", "--demo", *arguments)
@@ -309,6 +322,7 @@ def main():
     cli, sim = sys.argv[1], sys.argv[2]
     check_demo(cli)
     check_arguments(cli)
+    check_unhandled_error(cli)
     check_simulator_arguments(sim)
     with tempfile.TemporaryDirectory() as work:
         producer = Producer(sim, work)

@@ -1,6 +1,6 @@
 #include "gui/dialogs/TfAbout.h"
 
-#include "framework/IniFile.h"
+#include "framework/mail/MailSettings.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>
@@ -39,12 +39,12 @@ QDialogButtonBox* CloseButton(QDialog& dialog)
 }
 } // namespace
 
-TfAbout::TfAbout(const QString& settingsFile, QWidget* parent) : QDialog(parent)
+TfAbout::TfAbout(const QString& commonSettingsFile, QWidget* parent) : QDialog(parent)
 {
     setObjectName(u"TfAbout"_s);
     setWindowTitle(u"O programie"_s);
 
-    QLabel* support = NamedLabel(u"Pomoc techniczna: "_s + supportEmail(settingsFile), "lblPomocTechniczna");
+    QLabel* support = NamedLabel(u"Pomoc techniczna: "_s + supportEmail(commonSettingsFile), "lblPomocTechniczna");
     support->setTextInteractionFlags(Qt::TextSelectableByMouse);
     QLabel* version = NamedLabel(u"Wersja: "_s + QCoreApplication::applicationVersion(), "lblWersja");
 
@@ -58,15 +58,15 @@ TfAbout::TfAbout(const QString& settingsFile, QWidget* parent) : QDialog(parent)
     layout->setSizeConstraint(QLayout::SetFixedSize);
 }
 
-QString TfAbout::supportEmail(const QString& settingsFile)
+QString TfAbout::supportEmail(const QString& commonSettingsFile)
 {
-    const QString fallback = u"pomoc@fernhill.pl"_s;
-    const QString configured = IniFile(settingsFile).readString(u"POMOC"_s, u"Email"_s, fallback);
-    return configured.isEmpty() ? fallback : configured;
+    QStringList problems;
+    const QString configured = MailSettings::read(commonSettingsFile, problems).support;
+    return configured.isEmpty() ? u"pomoc@fernhill.pl"_s : configured;
 }
 
-void ShowAbout(const QString& settingsFile, QWidget* parent)
+void ShowAbout(const QString& commonSettingsFile, QWidget* parent)
 {
-    TfAbout dialog(settingsFile, parent);
+    TfAbout dialog(commonSettingsFile, parent);
     dialog.exec();
 }

@@ -33,6 +33,8 @@
 #include <QToolBar>
 #include <QToolButton>
 
+#include <stdexcept>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -110,6 +112,11 @@ TfHalvarnMain::TfHalvarnMain(DataFolder folder, RegistryConfig registry, std::un
     pages_->setCurrentWidget(tsPobraneDane);
 }
 
+QStringList TfHalvarnMain::secrets() const
+{
+    return {edUser->text(), edPassword->text(), registry_->Token};
+}
+
 // The grids observe the session's tables, so they go before the session does.
 TfHalvarnMain::~TfHalvarnMain()
 {
@@ -136,7 +143,11 @@ QWidget* TfHalvarnMain::buildCommandBar()
             [this] { OpenParameters(folder_.settingsFile(), folder_.exportFolder(), this); });
     menu->addSeparator();
     connect(addCommand(menu, "dxBarButton7", u"O programie"_s, true), &QAction::triggered, this,
-            [this] { ShowAbout(folder_.settingsFile(), this); });
+            [this] { ShowAbout(folder_.commonSettingsFile(), this); });
+    // A tester's switch ("TESTER=1" in COMMON.INI) offers an error on purpose, to see its report.
+    if (session_->common.tester)
+        connect(addCommand(menu, "actTestError", u"Próbny błąd programu"_s, true), &QAction::triggered, this,
+                [] { throw std::logic_error("Próbny błąd programu (przełącznik TESTER w COMMON.INI)"); });
     auto* settings = Named<QToolButton>("dxBarSubItem1Button", bar);
     settings->setText(u"Ustawienia"_s);
     settings->setToolTip(u"Ustawienia"_s);

@@ -61,6 +61,8 @@ public:
     TdmulmxDataBase_FR3& reports() { return *dmulmxDataBase_FR3; }
 
     void fillLogin(const QString& login, const QString& password, const QString& producerNumber);
+    // What an error report must never show: the log-in, the password and the registry's token.
+    QStringList secrets() const;
 
 public Q_SLOTS:
     void cxButton1Click();    // "Pobieranie danych"

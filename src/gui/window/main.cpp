@@ -1,4 +1,7 @@
 #include "framework/IniFile.h"
+#include "framework/errors/CrashRecord.h"
+#include "gui/errors/HalvarnApplication.h"
+#include "gui/errors/WindowErrorHost.h"
 #include "gui/window/ApplicationSetup.h"
 #include "gui/window/TfHalvarnMain.h"
 #include "registry/sim/RegistrySimulator.h"
@@ -35,11 +38,17 @@ void Refuse(const QString& text)
 {
     QMessageBox::critical(nullptr, u"Błąd..."_s, text);
 }
+
+ErrorControlSettings ErrorSettings(const DataFolder& folder)
+{
+    const QString configured = CommonSettings::read(folder.commonSettingsFile()).screenshotFolder;
+    return {folder.errorLog(), configured.isEmpty() ? folder.screenshotFolder() : configured, ProgramNames()};
+}
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    QApplication app(argc, argv);
+    HalvarnApplication app(argc, argv);
     SetUpApplication(app);
     const WindowOptions options = ParseOptions(app);
 
@@ -48,6 +57,13 @@ int main(int argc, char* argv[])
         Refuse(u"Nie można utworzyć folderu danych: "_s + folder.root());
         return 1;
     }
+    InstallCrashRecorder(folder.crashRecord());
+    WindowErrorHost errorHost = WindowErrorHost::fromSettings(folder);
+    ErrorControl errors(ErrorSettings(folder), errorHost);
+    app.setErrorControl(&errors);
+    if (const std::optional<CaughtError> crash = TakeCrashRecord(folder.crashRecord()))
+        errors.report(*crash);
+
     const TemplateInstallResult templates = InstallShippedTemplates(folder.templatesFolder());
     if (!templates.failed.isEmpty())
         QMessageBox::warning(nullptr, u"Ostrzeżenie"_s, templates.failed.join(u'\n'));
@@ -64,6 +80,7 @@ int main(int argc, char* argv[])
     }
 
     TfHalvarnMain window(folder, registry);
+    errors.setSecrets([&window] { return window.secrets(); });
     if (simulator)
         window.fillLogin(demo.login, demo.password, demo.producerNumber);
     window.showMaximized();

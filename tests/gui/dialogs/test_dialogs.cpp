@@ -501,10 +501,10 @@ void TestDialogs::aboutShowsSupportAndVersion_data()
 {
     QTest::addColumn<QByteArray>("settings");
     QTest::addColumn<QString>("support");
-    QTest::newRow("configured") << QByteArray("[POMOC]\r\nEmail=serwis@przyklad.pl\r\n")
+    QTest::newRow("configured") << QByteArray("[SMTP]\r\nSupport=serwis@przyklad.pl\r\n")
                                 << u"Pomoc techniczna: serwis@przyklad.pl"_s;
     QTest::newRow("no file") << QByteArray() << u"Pomoc techniczna: pomoc@fernhill.pl"_s;
-    QTest::newRow("empty value") << QByteArray("[POMOC]\r\nEmail=\r\n") << u"Pomoc techniczna: pomoc@fernhill.pl"_s;
+    QTest::newRow("empty value") << QByteArray("[SMTP]\r\nSupport=\r\n") << u"Pomoc techniczna: pomoc@fernhill.pl"_s;
 }
 
 void TestDialogs::aboutShowsSupportAndVersion()
