@@ -17,18 +17,12 @@ bool MarkAnimals(HalvarnSession& session, const QStringList& tags)
 {
     Table& animals = session.tables().mdRZ00();
     const int number = animals.requireField(u"NumerIdentyfikacyjny");
-    const int mark = animals.requireField(u"ZAZNACZONE");
     QStringList missing;
     for (const QString& tag : tags) {
-        if (!animals.locate(number, tag)) {
+        if (animals.locate(number, tag))
+            session.tables().SetMarked(animals.recNo(), true);
+        else
             missing.append(tag);
-            continue;
-        }
-        animals.setReadOnly(false);
-        animals.edit();
-        animals.setValue(mark, true);
-        animals.post();
-        session.tables().restoreReadOnly(animals);
     }
     if (!missing.isEmpty())
         QTextStream(stderr) << u"Nie ma w pobranych danych zwierząt: "_s << missing.join(u", "_s) << Qt::endl;

@@ -34,6 +34,7 @@ WorkingTables::WorkingTables()
     // Every animal layout starts with the same ten fields.
     rozpatrzonoField_ = mdRZ00().requireField(u"Rozpatrzono");
     gdzieField_ = mdRZ00().requireField(u"GdzieRozpatrzono");
+    markField_ = mdRZ00().requireField(u"ZAZNACZONE");
 }
 
 std::vector<Table*> WorkingTables::all() const
@@ -60,6 +61,15 @@ void WorkingTables::ClearTable(Table& table)
     table.setReadOnly(false);
     table.removeAll();
     restoreReadOnly(table);
+}
+
+void WorkingTables::SetMarked(int row, bool marked)
+{
+    Table& animals = mdRZ00();
+    animals.moveTo(row);
+    animals.edit();
+    animals.setValue(markField_, marked);
+    animals.post();
 }
 
 void WorkingTables::MarkAnimalReviewed(Table& table, const QString& rozpatrzono, const QString& gdzie)

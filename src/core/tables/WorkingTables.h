@@ -43,6 +43,8 @@ public:
     // unless the table is mdRZ00, which stays writable by design.
     void ClearTable(Table& table);
     void MarkAnimalReviewed(Table& table, const QString& rozpatrzono, const QString& gdzie);
+    // Ticks or unticks ("ZAZNACZONE") one animal of mdRZ00, as the summary grid's "Z" does.
+    void SetMarked(int row, bool marked);
     void restoreReadOnly(Table& table) { table.setReadOnly(&table != &mdRZ00()); }
 
 private:
@@ -54,6 +56,7 @@ private:
     std::unique_ptr<Table> report_;
     int rozpatrzonoField_ = 0;
     int gdzieField_ = 0;
+    int markField_ = 0;
 };
 
 QString SlotSuffix(int slot); // "00" … "20"

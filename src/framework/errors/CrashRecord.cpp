@@ -132,14 +132,9 @@ QString SignalName(int signal)
 void InstallCrashRecorder(const QString& path)
 {
     const QByteArray native = QFile::encodeName(path);
-    if (static_cast<std::size_t>(native.size()) >= RecordPath.size())
+    const bool installed = RecordPath.front() != 0;
+    if (installed || static_cast<std::size_t>(native.size()) >= RecordPath.size())
         return;
-    static bool installed = false;
-    if (installed) {
-        // Changing the path while a signal could read it is not worth a race; keep the first.
-        return;
-    }
-    installed = true;
     std::copy(native.begin(), native.end(), RecordPath.begin());
     const std::vector<Module> modules = LoadedModules();
     std::copy_n(modules.begin(), std::min(modules.size(), MaxModules), Modules.begin());

@@ -5,19 +5,22 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 const QString CloseQuestion = u"W programie ponownie wystąpił błąd. Czy zamknąć program?"_s;
 
-bool IsForTheUser(const std::exception_ptr& error)
+// The message of an error the program raised for the user; none for any other.
+std::optional<QString> UserMessage(const std::exception_ptr& error)
 {
     try {
         std::rethrow_exception(error);
-    } catch (const HalvarnError&) {
-        return true;
+    } catch (const HalvarnError& forTheUser) {
+        return forTheUser.message();
     } catch (...) {
-        return false;
+        return std::nullopt;
     }
 }
 } // namespace
@@ -34,8 +37,8 @@ ErrorControl::ErrorControl(ErrorControlSettings settings, ErrorControlHost& host
 
 void ErrorControl::handle(const std::exception_ptr& error)
 {
-    if (IsForTheUser(error)) {
-        host_.showMessage(scrubber().scrub(Describe(error).message));
+    if (const std::optional<QString> message = UserMessage(error)) {
+        host_.showMessage(scrubber().scrub(*message));
         return;
     }
     if (closing_)

@@ -225,7 +225,7 @@ void UseChangeCommand::record(const UseChangeNotice& notice, JournalEvent event,
     appendRow(notice, komunikat, document, errors);
     if (event == JournalEvent::Accepted) {
         ++result_.accepted;
-        clearMark(notice.row);
+        session_.tables().SetMarked(notice.row, false);
     } else if (event == JournalEvent::Refused) {
         result_.refused.append(notice.animal);
     } else {
@@ -253,17 +253,6 @@ void UseChangeCommand::appendRow(const UseChangeNotice& notice, const QString& k
         table.setValue(u"BLEDY", errors);
     table.post();
     session_.tables().restoreReadOnly(table);
-}
-
-void UseChangeCommand::clearMark(int row)
-{
-    Table& animals = session_.tables().mdRZ00();
-    animals.setReadOnly(false);
-    animals.moveTo(row);
-    animals.edit();
-    animals.setValue(u"ZAZNACZONE", false);
-    animals.post();
-    session_.tables().restoreReadOnly(animals);
 }
 
 // The registry needs a moment before a new document has a status; the user may cut the wait short.
@@ -295,9 +284,10 @@ void UseChangeCommand::checkStatuses()
 {
     step(u"Sprawdzenie statusów"_s);
     Table& table = session_.tables().mdTUKU();
+    const int document = table.requireField(u"NumerDokumentu");
     session_.setProgress(2, 0, table.recordCount());
     for (int row = 0; row < table.recordCount() && !cancelled_; ++row) {
-        if (!AsString(table.at(row, table.requireField(u"NumerDokumentu"))).isEmpty())
+        if (!AsString(table.at(row, document)).isEmpty())
             checkStatus(row);
         session_.stepProgress(2);
     }

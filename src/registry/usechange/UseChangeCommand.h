@@ -50,7 +50,6 @@ private:
                 const QString& document = {}, const QString& errors = {});
     void appendRow(const UseChangeNotice& notice, const QString& komunikat, const QString& document,
                    const QString& errors);
-    void clearMark(int row);
     void waitForRegistry();
     void checkStatuses();
     void checkStatus(int row);

@@ -212,12 +212,8 @@ private Q_SLOTS:
     {
         IniFile(folder().settingsFile()).writeInteger(u"TUKU"_s, u"WaitSeconds"_s, 0);
         Table& animals = tables().mdRZ00();
-        for (int row : {0, 1}) {
-            animals.moveTo(row);
-            animals.edit();
-            animals.setValue(u"ZAZNACZONE", true);
-            animals.post();
-        }
+        for (int row : {0, 1})
+            tables().SetMarked(row, true);
         dialogs_->directionChoice = u"MI"_s;
         click("cxButton3");
         QCOMPARE(dialogs_->questions, QStringList{u"Wysłać zmianę kierunku użytkowania na „Mięsny” dla 2 zwierząt?"_s});

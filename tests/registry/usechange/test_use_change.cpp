@@ -510,12 +510,7 @@ void TestUseChange::endToEndAgainstTheSimulator()
         if (AsString(animals.at(row, animals.requireField(u"KierunekUzytkowania"))) == u"Mięsny")
             continue;
         chosen.append(AsString(animals.at(row, animals.requireField(u"NumerIdentyfikacyjny"))));
-        animals.setReadOnly(false);
-        animals.moveTo(row);
-        animals.edit();
-        animals.setValue(u"ZAZNACZONE", true);
-        animals.post();
-        c.session.tables().restoreReadOnly(animals);
+        c.session.tables().SetMarked(row, true);
     }
     const UseChangeResult result = UseChangeCommand(c.session, client, c.prints).run();
     QCOMPARE(result.accepted, 2);
