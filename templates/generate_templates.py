@@ -260,6 +260,8 @@ def group_columns(width):
         field_column("Grupa", "Grupa technologiczna", 280, "text", "GT"),
         field_column("Zakres", "Zakres wieku", 120, "text", "ZakresWieku"),
         field_column("Ilosc", "Ilość", 56, "number", "Ilosc"),
+        field_column("IloscPom", "Inf. dod.", 56, "number", "IloscPom"),
+        field_column("Limit", "Limit", 56, "number", "Limit"),
         field_column("Uwagi", "Uwagi", 0, "text", "IndDod"),
     ])
 

@@ -27,6 +27,7 @@ public:
     bool question(const QString&, const QString&) override { return true; }
     std::optional<QString> herd() override { return u"ALL"_s; }
     std::optional<QString> useDirection() override { return std::nullopt; }
+    std::optional<ChosenProducer> chooseProducer(const DataFolder&, qint32) override { return std::nullopt; }
     void openFile(const QString&) override {}
     void showPreview(std::shared_ptr<const PreparedReport>, const PreviewSettings&) override {}
     void designTemplate(const QString&, const std::function<PreparedReport(const ReportTemplate&)>&) override {}

@@ -18,39 +18,6 @@ QCommandLineOption Value(const char* name, const char* description, const char* 
     return {QString::fromLatin1(name), QString::fromUtf8(description), QString::fromLatin1(valueName)};
 }
 
-bool ParseDate(const QString& option, const QString& text, QDate& date, QString& error)
-{
-    date = QDate::fromString(text, u"yyyy-MM-dd");
-    if (!date.isValid()) {
-        error = u"Niepoprawna data --%1: %2 (oczekiwano RRRR-MM-DD)"_s.arg(option, text);
-        return false;
-    }
-    // Day counts of the tables start at 30 December 1899; earlier days are typing errors.
-    if (date < QDate(1900, 1, 1)) {
-        error = u"Data --%1 nie może być wcześniejsza niż 1900-01-01: %2"_s.arg(option, text);
-        return false;
-    }
-    return true;
-}
-
-bool ParseKinds(const QString& text, WelfareFlags& flags, QString& error)
-{
-    flags = {false, false, false};
-    for (const QString& kind : text.split(u',', Qt::SkipEmptyParts)) {
-        if (kind == u"mamki")
-            flags.krowMamek = true;
-        else if (kind == u"opasy")
-            flags.opasow = true;
-        else if (kind == u"mleczne")
-            flags.krowMlecznych = true;
-        else {
-            error = u"Nieznany rodzaj: %1 (mamki, opasy, mleczne)"_s.arg(kind);
-            return false;
-        }
-    }
-    return true;
-}
-
 bool ParseCount(const QString& option, const QString& text, int highest, std::optional<int>& value, QString& error)
 {
     bool ok = false;
@@ -111,7 +78,7 @@ bool ReadCheckedValues(const QCommandLineParser& parser, CliOptions& options, QS
     inputs.stateDate = inputs.referenceDate = QDate::currentDate();
     const auto optionalDate = [&](const char* name, QDate& date) {
         const QString option = QLatin1String(name);
-        return !parser.isSet(option) || ParseDate(option, parser.value(option), date, error);
+        return !parser.isSet(option) || ParseDateOption(option, parser.value(option), date, error);
     };
     const auto optionalCount = [&](const char* name, int highest, std::optional<int>& value) {
         const QString option = QLatin1String(name);
@@ -119,7 +86,7 @@ bool ReadCheckedValues(const QCommandLineParser& parser, CliOptions& options, QS
     };
     const auto isSet = [&](const char* name) { return parser.isSet(QLatin1String(name)); };
     return optionalDate("state-date", inputs.stateDate) && optionalDate("reference-date", inputs.referenceDate) &&
-           (!isSet("kinds") || ParseKinds(parser.value(u"kinds"_s), inputs.flags, error)) &&
+           (!isSet("kinds") || ParseKindsOption(parser.value(u"kinds"_s), inputs.flags, error)) &&
            optionalCount("parallel", MaxParallelRequestsLimit, options.parallel) &&
            optionalCount("timeout-seconds", TimeoutSecondsLimit, options.timeoutSeconds) &&
            (!isSet("producer") || CheckProducerNumber(inputs.producerNumber, error)) &&
@@ -127,10 +94,44 @@ bool ReadCheckedValues(const QCommandLineParser& parser, CliOptions& options, QS
 }
 } // namespace
 
+bool ParseDateOption(const QString& option, const QString& text, QDate& date, QString& error)
+{
+    date = QDate::fromString(text, u"yyyy-MM-dd");
+    if (!date.isValid()) {
+        error = u"Niepoprawna data --%1: %2 (oczekiwano RRRR-MM-DD)"_s.arg(option, text);
+        return false;
+    }
+    // Day counts of the tables start at 30 December 1899; earlier days are typing errors.
+    if (date < QDate(1900, 1, 1)) {
+        error = u"Data --%1 nie może być wcześniejsza niż 1900-01-01: %2"_s.arg(option, text);
+        return false;
+    }
+    return true;
+}
+
+bool ParseKindsOption(const QString& text, WelfareFlags& flags, QString& error)
+{
+    flags = {false, false, false};
+    for (const QString& kind : text.split(u',', Qt::SkipEmptyParts)) {
+        if (kind == u"mamki")
+            flags.krowMamek = true;
+        else if (kind == u"opasy")
+            flags.opasow = true;
+        else if (kind == u"mleczne")
+            flags.krowMlecznych = true;
+        else {
+            error = u"Nieznany rodzaj: %1 (mamki, opasy, mleczne)"_s.arg(kind);
+            return false;
+        }
+    }
+    return true;
+}
+
 bool CliOptions::parse(const QStringList& arguments, QString& error)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(u"Halvarn: pobieranie stad z rejestru IRZplus i grupy technologiczne"_s);
+    parser.setApplicationDescription(u"Halvarn: pobieranie stad z rejestru IRZplus i grupy technologiczne "
+                                     u"(polecenia: download, render, producers, batch)"_s);
     parser.addHelpOption();
     parser.addPositionalArgument(u"download"_s, u"pobierz dane producenta"_s);
     parser.addOptions({

@@ -32,6 +32,12 @@ struct CliOptions {
     void applyTo(RegistryConfig& config) const;
 };
 
-// Starts the embedded registry with its demo producer and fills the log-in
-// fields that the command line left empty; null when it cannot listen.
+// "--<option> YYYY-MM-DD", not before 1900-01-01; false, with the message in error, otherwise.
+bool ParseDateOption(const QString& option, const QString& text, QDate& date, QString& error);
+// "--kinds mamki,opasy,mleczne": the kinds of welfare ticked; false, with the message in error, for another word.
+bool ParseKindsOption(const QString& text, WelfareFlags& flags, QString& error);
+
+// Starts the embedded registry with its demo producers and fills the log-in
+// fields that the command line left empty with the first one's; null when it
+// cannot listen.
 std::unique_ptr<RegistrySimulator> StartDemoRegistryFor(SessionInputs& inputs);

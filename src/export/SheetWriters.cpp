@@ -105,13 +105,13 @@ void WriteHerdAnimalsSheet(XlsWorksheet& sheet, Table& animals)
 void WriteHerdGroupsSheet(XlsWorksheet& sheet, Table& groups)
 {
     RequireRowsFit(sheet, static_cast<std::size_t>(groups.recordCount()));
-    WriteTitles(sheet, {"Grupa technologiczna", "ZakresWieku", "Ilosc", "Inf. dod."});
+    WriteTitles(sheet, {"Grupa technologiczna", "ZakresWieku", "Ilosc", "Inf. dod.", "Limit"});
     const int count = groups.requireField(u"Ilosc");
     int row = 2;
     int sum = 0;
     groups.first();
     while (!groups.eof()) {
-        WriteFields(sheet, row++, groups, groups.recNo(), {"GT", "ZakresWieku", "Ilosc", "IloscPom"});
+        WriteFields(sheet, row++, groups, groups.recNo(), {"GT", "ZakresWieku", "Ilosc", "IloscPom", "Limit"});
         sum += AsInteger(groups.value(count));
         groups.next();
     }

@@ -1,29 +1,27 @@
 #pragma once
 
+#include "framework/UserPrompts.h"
+
 #include <QString>
 
 #include <optional>
 #include <vector>
 
-enum class MessageIcon { Information, Warning, Error, Question };
 enum class Memo { Errors, Loaded }; // mErrors, mLoaded
 enum class StatusPanel { Herd = 2, Step = 3 };
 
 // What a long operation (download, clearing, exports, prints, use-direction
 // change) needs from whoever runs it: the window, the command-line program or a
-// test. Operations are written once against this and never against a widget.
-class OperationHost {
+// test. Operations are written once against this and never against a widget;
+// messages and questions come from UserPrompts.
+class OperationHost : public UserPrompts {
 public:
-    virtual ~OperationHost() = default;
-
     virtual void statusModeChanged(bool busy, bool showHerd) = 0;
     // Called for every status text; a window repaints here so it stays drawn.
     virtual void statusTextChanged(StatusPanel panel, const QString& text) = 0;
     virtual void progressChanged(int bar, int position, int maximum) = 0;
     virtual void memoAppended(Memo memo, const QString& text) = 0;
     virtual void memoCleared(Memo memo) = 0;
-    virtual void showMessage(const QString& caption, const QString& text, MessageIcon icon) = 0;
-    virtual bool askYesNo(const QString& caption, const QString& text) = 0;
     // Asked between animals of a download; true stops it.
     virtual bool cancelRequested() { return false; }
 

@@ -1,3 +1,4 @@
+#include "analysis/DeclaredLimits.h"
 #include "analysis/GroupCatalogue.h"
 #include "core/tables/WorkingTables.h"
 
@@ -38,6 +39,8 @@ private Q_SLOTS:
     void ticksChooseTheBlocks_data();
     void ticksChooseTheBlocks();
     void everyLimitReachesItsRangeText();
+    void declaredLimitsFlagOnlyCountsAboveThem_data();
+    void declaredLimitsFlagOnlyCountsAboveThem();
 };
 
 void TestGroups::ticksChooseTheBlocks_data()
@@ -104,6 +107,58 @@ void TestGroups::everyLimitReachesItsRangeText()
     AgeLimits seven = AgeLimits::defaults();
     seven.set(AgeLimit::CieletaGrp_Ponad_220KG_Wiek_Od, 7);
     QCOMPARE(RangeOf(CatalogueRows(seven, {}), 29), u"7 > Wiek <= 6"_s);
+}
+
+void TestGroups::declaredLimitsFlagOnlyCountsAboveThem_data()
+{
+    QTest::addColumn<int>("group");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("limit");
+    QTest::addColumn<QStringList>("exceeded");
+    const auto over = [](const char* name, int count, int limit) {
+        return QStringList{
+            u"Przekroczono zadeklarowaną liczbę: %1 — jest %2, zadeklarowano %3"_s.arg(QString::fromUtf8(name))
+                .arg(count)
+                .arg(limit)};
+    };
+    QTest::newRow("suckler cows over") << int(GroupId::SucklerMothers) << 11 << 10 << over("krów mamek", 11, 10);
+    QTest::newRow("150-220 over") << int(GroupId::Fattening150To220) << 5 << 4 << over("opasów > 150 < 220", 5, 4);
+    QTest::newRow("over 450 over") << int(GroupId::FatteningOver450) << 3 << 2 << over("opasów > 450", 3, 2);
+    QTest::newRow("dairy over") << int(GroupId::DairyCows) << 51 << 50 << over("krów mlecznych", 51, 50);
+    QTest::newRow("dairy at its limit") << int(GroupId::DairyCows) << 50 << 50 << QStringList();
+    QTest::newRow("under") << int(GroupId::FatteningTo150) << 1 << 9 << QStringList();
+    QTest::newRow("none declared") << int(GroupId::DairyCows) << 70 << 0 << QStringList();
+}
+
+void TestGroups::declaredLimitsFlagOnlyCountsAboveThem()
+{
+    QFETCH(int, group);
+    QFETCH(int, count);
+    QFETCH(int, limit);
+    QFETCH(QStringList, exceeded);
+    WorkingTables tables;
+    for (Table* table : tables.all())
+        table->open();
+    RebuildGroupCatalogue(tables, AgeLimits::defaults(), {true, true, true});
+    Table& groups = tables.mdGT00();
+    DeclaredLimits limits{};
+    for (int i = 0; i < DeclaredGroupCount; ++i)
+        if (DeclaredGroupRow(static_cast<DeclaredGroup>(i)) == group)
+            limits[static_cast<std::size_t>(i)] = limit;
+    QVERIFY(groups.locate(groups.requireField("ID"), qint32(group)));
+    const int row = groups.recNo();
+    groups.setReadOnly(false);
+    groups.edit();
+    groups.setValue(group == GroupId::DairyCows ? "Ilosc" : "IloscPom", qint32(count));
+    groups.post();
+    groups.setReadOnly(true);
+
+    QCOMPARE(ApplyDeclaredLimits(groups, limits), exceeded);
+    QCOMPARE(CountOverLimit(groups), exceeded.size());
+    QCOMPARE(OverLimit(groups, row), !exceeded.isEmpty());
+    QCOMPARE(AsInteger(groups.at(row, groups.requireField("Limit"))), limit);
+    QVERIFY(groups.readOnly());
+    QVERIFY(!OverLimit(tables.mdGT(1), row));
 }
 
 QTEST_GUILESS_MAIN(TestGroups)

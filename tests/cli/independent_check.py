@@ -259,7 +259,7 @@ def expected_state(herds, limits, kinds):
         for group, caption, age_range in rows:
             ilosc, pom = counts.get((slot, group), [0, 0])
             result.append({"ID": group, "GT": caption, "ZakresWieku": age_range, "Ilosc": ilosc or None,
-                           "IloscPom": pom or None, "IndDod": None, "STADO": "001"})
+                           "IloscPom": pom or None, "IndDod": None, "STADO": "001", "Limit": None})
         return result
 
     return summary, per_herd, groups

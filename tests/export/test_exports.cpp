@@ -1,3 +1,4 @@
+#include "analysis/DeclaredLimits.h"
 #include "core/session/HalvarnSession.h"
 #include "export/ExportCommands.h"
 #include "export/XlsReader.h"
@@ -177,6 +178,9 @@ void TestExports::groupsWorkbookHasNoTimeAndSumsIlosc()
 {
     Farm farm(ThreeCows);
     farm.host.herdChoice = u"000"_s;
+    DeclaredLimits limits;
+    limits.fill(9);
+    ApplyDeclaredLimits(farm.session.tables().mdGT00(), limits);
     ExportCommands exports(farm.session);
     exports.exportHerdGroups();
     exports.exportHerdGroups(); // the same name: the second replaces the first
@@ -184,9 +188,10 @@ void TestExports::groupsWorkbookHasNoTimeAndSumsIlosc()
     QVERIFY(!path.isEmpty());
     QCOMPARE(QDir(farm.session.dataFolder().exportFolder()).entryList(QDir::Files).size(), 1);
     const QStringList cells = SheetCells(ReadWorkbook(path), 0);
-    QCOMPARE(cells.mid(0, 4).join(u'|'),
-             u"1,1:text:Grupa technologiczna|1,2:text:ZakresWieku|1,3:text:Ilosc|1,4:text:Inf. dod."_s);
-    QCOMPARE(cells.mid(4, 3).join(u'|'), u"2,1:text:Halvarn krów mamek|2,2:text:-|2,3:number:5"_s);
+    QCOMPARE(cells.mid(0, 5).join(u'|'), u"1,1:text:Grupa technologiczna|1,2:text:ZakresWieku|1,3:text:Ilosc|"
+                                         u"1,4:text:Inf. dod.|1,5:text:Limit"_s);
+    QCOMPARE(cells.mid(5, 3).join(u'|'), u"2,1:text:Halvarn krów mamek|2,2:text:-|2,3:number:5"_s);
+    QVERIFY(cells.contains(u"3,5:number:9"_s)); // "  - mamki", limited by the declared suckler cows
     QCOMPARE(cells.mid(cells.size() - 2).join(u'|'), u"42,2:text:Suma:|42,3:number:5"_s);
     farm.host.herdChoice = QString(); // cancelled: nothing written, nothing said
     const auto said = farm.host.messages.size();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/DeclaredLimits.h"
 #include "analysis/WelfareFlags.h"
 #include "core/tables/WorkingTables.h"
 #include "framework/DataFolder.h"
@@ -8,6 +9,8 @@
 #include <QDate>
 #include <QHash>
 #include <QStringList>
+
+#include <optional>
 
 // The fields of the window that commands read: log-in, producer, dates, ticks.
 struct SessionInputs {
@@ -18,6 +21,9 @@ struct SessionInputs {
     QDate stateDate;     // "Stan zwierząt na dzień"
     QDate referenceDate; // "Halvarn na dzień"
     WelfareFlags flags;
+    // The maximum numbers the producer declared, for a producer taken from the
+    // producer list; none for one typed by hand, whose counts are not checked.
+    std::optional<DeclaredLimits> declaredLimits;
 };
 
 // An animal's use type and use direction as the registry's codes; the tables

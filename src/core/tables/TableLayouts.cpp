@@ -50,7 +50,7 @@ std::vector<FieldDef> GroupFields()
 {
     return {
         Of("ID", FieldType::Int32),       Text("GT", 50),      Text("ZakresWieku", 30), Of("Ilosc", FieldType::Int32),
-        Of("IloscPom", FieldType::Int32), Text("IndDod", 100), Text("STADO", 5)};
+        Of("IloscPom", FieldType::Int32), Text("IndDod", 100), Text("STADO", 5),        Of("Limit", FieldType::Int32)};
 }
 
 std::vector<FieldDef> ProducerFields()

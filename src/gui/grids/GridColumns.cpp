@@ -50,7 +50,7 @@ std::vector<GridColumn> HerdAnimalColumns()
 std::vector<GridColumn> GroupColumns()
 {
     return {Column("GT", "GT"), Column("ZakresWieku", "ZakresWieku"), Column("Ilosc", "Ilosc", Right),
-            Column("IloscPom", "Inf. dod.", Right)};
+            Column("IloscPom", "Inf. dod.", Right), Column("Limit", "Limit", Right)};
 }
 
 std::vector<GridColumn> SummaryColumns()

@@ -1,5 +1,9 @@
 #include "gui/grids/TableModel.h"
 
+#include "analysis/DeclaredLimits.h"
+
+#include <QBrush>
+
 TableModel::TableModel(Table& table, std::vector<GridColumn> columns, QObject* parent)
     : QAbstractTableModel(parent), table_(table), columns_(std::move(columns)), rows_(table.recordCount())
 {
@@ -32,6 +36,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const
     switch (role) {
     case Qt::DisplayRole: return DisplayText(table_.at(index.row(), fields_[column]));
     case Qt::TextAlignmentRole: return static_cast<int>(columns_[column].alignment);
+    case Qt::ForegroundRole: return OverLimit(table_, index.row()) ? QBrush(QColor(200, 0, 0)) : QVariant();
     default: return {};
     }
 }

@@ -39,11 +39,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString NotBuiltYet()
-{
-    return u"Polecenie nie jest jeszcze dostępne w tej wersji programu"_s;
-}
-
 // A new widget carrying its name, so that tests and tools find it.
 template <class Widget, class... Args> Widget* Named(const char* name, Args&&... args)
 {
@@ -128,25 +123,25 @@ QWidget* TfHalvarnMain::buildCommandBar()
     auto* bar = Named<QToolBar>("dxBarManager1Bar1", u"Polecenia"_s, this);
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    connect(addCommand(bar, "dxBarButton3", u"Export rozczytanych zwierząt"_s, true), &QAction::triggered, this,
+    connect(addCommand(bar, "dxBarButton3", u"Export rozczytanych zwierząt"_s), &QAction::triggered, this,
             [this] { runExport(&ExportCommands::exportHerdAnimals); });
-    connect(addCommand(bar, "dxBarButton2", u"Export grup technologicznych"_s, true), &QAction::triggered, this,
+    connect(addCommand(bar, "dxBarButton2", u"Export grup technologicznych"_s), &QAction::triggered, this,
             [this] { runExport(&ExportCommands::exportHerdGroups); });
-    connect(addCommand(bar, "dxBarButton4", u"Wydruk rozczytanych zwierząt"_s, true), &QAction::triggered, this,
+    connect(addCommand(bar, "dxBarButton4", u"Wydruk rozczytanych zwierząt"_s), &QAction::triggered, this,
             &TfHalvarnMain::dxBarButton4Click);
-    connect(addCommand(bar, "dxBarButton5", u"Wydruk grup technologicznych"_s, true), &QAction::triggered, this,
+    connect(addCommand(bar, "dxBarButton5", u"Wydruk grup technologicznych"_s), &QAction::triggered, this,
             &TfHalvarnMain::dxBarButton5Click);
 
     auto* menu = Named<QMenu>("dxBarSubItem1", u"Ustawienia"_s, bar);
     menu->setToolTipsVisible(true);
-    connect(addCommand(menu, "dxBarButton6", u"Parametry"_s, true), &QAction::triggered, this,
+    connect(addCommand(menu, "dxBarButton6", u"Parametry"_s), &QAction::triggered, this,
             [this] { OpenParameters(folder_.settingsFile(), folder_.exportFolder(), this); });
     menu->addSeparator();
-    connect(addCommand(menu, "dxBarButton7", u"O programie"_s, true), &QAction::triggered, this,
+    connect(addCommand(menu, "dxBarButton7", u"O programie"_s), &QAction::triggered, this,
             [this] { ShowAbout(folder_.commonSettingsFile(), this); });
     // A tester's switch ("TESTER=1" in COMMON.INI) offers an error on purpose, to see its report.
     if (session_->common.tester)
-        connect(addCommand(menu, "actTestError", u"Próbny błąd programu"_s, true), &QAction::triggered, this,
+        connect(addCommand(menu, "actTestError", u"Próbny błąd programu"_s), &QAction::triggered, this,
                 [] { throw std::logic_error("Próbny błąd programu (przełącznik TESTER w COMMON.INI)"); });
     auto* settings = Named<QToolButton>("dxBarSubItem1Button", bar);
     settings->setText(u"Ustawienia"_s);
@@ -158,29 +153,21 @@ QWidget* TfHalvarnMain::buildCommandBar()
     return bar;
 }
 
-QAction* TfHalvarnMain::addCommand(QWidget* bar, const char* name, const QString& caption, bool built)
+QAction* TfHalvarnMain::addCommand(QWidget* bar, const char* name, const QString& caption)
 {
     auto* action = new QAction(caption, bar);
     action->setObjectName(QLatin1String(name));
     action->setToolTip(caption);
-    action->setEnabled(built);
-    if (!built)
-        action->setStatusTip(NotBuiltYet());
-    else
-        actionsLockedWhileRunning_.push_back(action);
+    actionsLockedWhileRunning_.push_back(action);
     bar->addAction(action);
     return action;
 }
 
-QPushButton* TfHalvarnMain::addButton(const char* name, const QString& caption, bool built)
+QPushButton* TfHalvarnMain::addButton(const char* name, const QString& caption)
 {
     auto* button = new QPushButton(caption, this);
     button->setObjectName(QLatin1String(name));
-    button->setEnabled(built);
-    if (!built)
-        button->setToolTip(NotBuiltYet());
-    else
-        lockedWhileRunning_.push_back(button);
+    lockedWhileRunning_.push_back(button);
     return button;
 }
 
@@ -215,7 +202,12 @@ QGroupBox* TfHalvarnMain::buildLoginGroup()
     form->addRow(u"Hasło"_s, password);
     form->addRow(u"Nr producenta (bez PL)"_s, edNumerProducenta);
     form->addRow(u"Nazwa"_s, edNazwa);
-    form->addRow(QString(), addButton("cxButton6", u"Wybór producenta"_s, false));
+    auto* choose = addButton("cxButton6", u"Wybór producenta"_s);
+    connect(choose, &QPushButton::clicked, this, &TfHalvarnMain::cxButton6Click);
+    form->addRow(QString(), choose);
+    // A producer typed by hand has no declared numbers to check.
+    for (QLineEdit* typed : {edUser, edNumerProducenta})
+        connect(typed, &QLineEdit::textEdited, this, [this] { declaredLimits_.reset(); });
     for (QWidget* field : {static_cast<QWidget*>(edUser), static_cast<QWidget*>(edPassword),
                            static_cast<QWidget*>(edNumerProducenta), static_cast<QWidget*>(edNazwa)})
         lockedWhileRunning_.push_back(field);
@@ -240,11 +232,11 @@ QGroupBox* TfHalvarnMain::buildHalvarnGroup()
         lockedWhileRunning_.push_back(box);
     }
     ticks->addStretch();
-    auto* download = addButton("cxButton1", u"Pobieranie danych"_s, true);
+    auto* download = addButton("cxButton1", u"Pobieranie danych"_s);
     download->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
     download->setDefault(true);
     connect(download, &QPushButton::clicked, this, &TfHalvarnMain::cxButton1Click);
-    auto* clear = addButton("cxButton2", u"Czyszczenie danych"_s, true);
+    auto* clear = addButton("cxButton2", u"Czyszczenie danych"_s);
     clear->setIcon(style()->standardIcon(QStyle::SP_DialogResetButton));
     connect(clear, &QPushButton::clicked, this, &TfHalvarnMain::cxButton2Click);
     cancelButton_ = Named<QPushButton>("cxButtonPrzerwij", u"Przerwij"_s, kinds);
@@ -342,16 +334,16 @@ QWidget* TfHalvarnMain::buildSummaryButtons()
     auto* layout = new QHBoxLayout(panel);
     layout->setContentsMargins(0, 1, 0, 1);
     layout->setSpacing(0);
-    auto* useChange = addButton("cxButton3", u"Zmiana kierunku użytkowania"_s, true);
+    auto* useChange = addButton("cxButton3", u"Zmiana kierunku użytkowania"_s);
     useChange->setIcon(style()->standardIcon(QStyle::SP_BrowserReload));
     connect(useChange, &QPushButton::clicked, this, &TfHalvarnMain::cxButton3Click);
-    auto* xls = addButton("cxButton4", u"Export XLS"_s, true);
+    auto* xls = addButton("cxButton4", u"Export XLS"_s);
     xls->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
     connect(xls, &QPushButton::clicked, this, [this] { runExport(&ExportCommands::exportSummaryXls); });
-    auto* csv = addButton("cxButton7", u"Export CSV"_s, true);
+    auto* csv = addButton("cxButton7", u"Export CSV"_s);
     csv->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
     connect(csv, &QPushButton::clicked, this, [this] { runExport(&ExportCommands::exportSummaryCsv); });
-    auto* print = addButton("cxButton5", u"Wydruk"_s, true);
+    auto* print = addButton("cxButton5", u"Wydruk"_s);
     print->setIcon(style()->standardIcon(QStyle::SP_FileDialogDetailedView));
     connect(print, &QPushButton::clicked, this, &TfHalvarnMain::cxButton5Click);
     for (QPushButton* button : {useChange, xls, csv, print})

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/DeclaredLimits.h"
 #include "core/tables/WorkingTables.h"
 #include "framework/DataFolder.h"
 #include "gui/window/UserDialogs.h"
@@ -10,6 +11,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class DateField;
 class PrintCommands;
@@ -69,6 +71,7 @@ public Q_SLOTS:
     void cxButton2Click();    // "Czyszczenie danych"
     void cxButton3Click();    // "Zmiana kierunku użytkowania"
     void cxButton5Click();    // "Wydruk"
+    void cxButton6Click();    // "Wybór producenta"
     void dxBarButton4Click(); // "Wydruk rozczytanych zwierząt"
     void dxBarButton5Click(); // "Wydruk grup technologicznych"
     void cancelOperation();
@@ -87,8 +90,8 @@ private:
     QWidget* buildSummaryButtons();
     void buildStatusBar();
 
-    QAction* addCommand(QWidget* bar, const char* name, const QString& caption, bool built);
-    QPushButton* addButton(const char* name, const QString& caption, bool built);
+    QAction* addCommand(QWidget* bar, const char* name, const QString& caption);
+    QPushButton* addButton(const char* name, const QString& caption);
     void connectCommands();
     void readInputs();
     void runOperation(const std::function<void()>& operation, bool cancellable = false);
@@ -132,6 +135,7 @@ private:
     std::array<HerdSlotView, HerdSlotCount> slotViews_{};
     std::vector<QWidget*> lockedWhileRunning_;
     std::vector<QAction*> actionsLockedWhileRunning_;
+    std::optional<DeclaredLimits> declaredLimits_; // of the producer chosen from the list
     bool running_ = false;
     bool closeWhenDone_ = false; // the user closed the window while a command ran
 };

@@ -37,6 +37,7 @@ void TfHalvarnMain::fillLogin(const QString& login, const QString& password, con
     edUser->setText(login);
     edPassword->setText(password);
     edNumerProducenta->setText(producerNumber);
+    declaredLimits_.reset();
 }
 
 // What the commands take from the window's fields.
@@ -53,6 +54,7 @@ void TfHalvarnMain::readInputs()
     inputs.flags.krowMamek = edHalvKrowMamek->isChecked();
     inputs.flags.opasow = edHalvOpasow->isChecked();
     inputs.flags.krowMlecznych = edHalvKrow->isChecked();
+    inputs.declaredLimits = declaredLimits_;
 }
 
 void TfHalvarnMain::cxButton1Click()
@@ -81,6 +83,21 @@ void TfHalvarnMain::cxButton3Click()
     runOperation([&] { report = UseChangeCommand(*session_, *registry_, *prints_).run().report; }, true);
     if (report)
         showPreview(prints_->useChange(), std::move(*report));
+}
+
+// The chosen producer's log-in fills the fields; its declared numbers are
+// checked by the downloads that follow, until the user types another producer.
+void TfHalvarnMain::cxButton6Click()
+{
+    if (running_)
+        return;
+    const std::optional<ChosenProducer> chosen = dialogs_->chooseProducer(folder_, LastChosenProducer(folder_));
+    if (!chosen)
+        return;
+    RememberChosenProducer(folder_, chosen->id);
+    fillLogin(chosen->entry.login, chosen->entry.password, chosen->entry.producerNumber);
+    edNazwa->setText(chosen->entry.name);
+    declaredLimits_ = chosen->entry.limits;
 }
 
 void TfHalvarnMain::cancelOperation()

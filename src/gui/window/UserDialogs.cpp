@@ -1,15 +1,15 @@
 #include "gui/window/UserDialogs.h"
 
+#include "gui/dialogs/MessageBoxPrompts.h"
 #include "gui/dialogs/TfGET_CO_EXP_WYDR.h"
 #include "gui/dialogs/TfGET_TUKU.h"
 #include "gui/editor/TemplateEditor.h"
-#include "gui/preview/MessageBoxIcon.h"
 #include "gui/preview/TfpRapPrev_FR3.h"
+#include "gui/producers/TfGET_KNTRH_LIST.h"
 
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDialog>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QUrl>
 
@@ -17,16 +17,12 @@ using namespace Qt::StringLiterals;
 
 void ModalDialogs::message(const QString& caption, const QString& text, MessageIcon icon)
 {
-    QMessageBox box(MessageBoxIcon(icon), caption, text, QMessageBox::Ok, parent_);
-    box.exec();
+    MessageBoxPrompts(parent_).showMessage(caption, text, icon);
 }
 
 bool ModalDialogs::question(const QString& caption, const QString& text)
 {
-    QMessageBox box(QMessageBox::Question, caption, text, QMessageBox::Yes | QMessageBox::No, parent_);
-    box.button(QMessageBox::Yes)->setText(u"Tak"_s);
-    box.button(QMessageBox::No)->setText(u"Nie"_s);
-    return box.exec() == QMessageBox::Yes;
+    return MessageBoxPrompts(parent_).askYesNo(caption, text);
 }
 
 std::optional<QString> ModalDialogs::herd()
@@ -44,6 +40,11 @@ std::optional<QString> ModalDialogs::useDirection()
     if (AskUseDirection(first, code, parent_) != QDialog::Accepted || code.isEmpty())
         return std::nullopt;
     return code;
+}
+
+std::optional<ChosenProducer> ModalDialogs::chooseProducer(const DataFolder& folder, qint32 lastChosenId)
+{
+    return ChooseProducer(folder, lastChosenId, parent_);
 }
 
 void ModalDialogs::openFile(const QString& path)

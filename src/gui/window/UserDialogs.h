@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/producers/ProducerList.h"
 #include "framework/OperationHost.h"
 
 #include <QString>
@@ -24,6 +25,8 @@ public:
     virtual std::optional<QString> herd() = 0;
     // The code of the new use direction; none when the user cancelled or chose nothing.
     virtual std::optional<QString> useDirection() = 0;
+    // "Wybór producenta" standing on the producer chosen last; none when cancelled.
+    virtual std::optional<ChosenProducer> chooseProducer(const DataFolder& folder, qint32 lastChosenId) = 0;
     virtual void openFile(const QString& path) = 0;
     // The print preview, modal; it goes when the user closes it.
     virtual void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) = 0;
@@ -41,6 +44,7 @@ public:
     bool question(const QString& caption, const QString& text) override;
     std::optional<QString> herd() override;
     std::optional<QString> useDirection() override;
+    std::optional<ChosenProducer> chooseProducer(const DataFolder& folder, qint32 lastChosenId) override;
     void openFile(const QString& path) override;
     void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) override;
     void designTemplate(const QString& path,

@@ -2,6 +2,7 @@
 
 #include "analysis/AgeInMonths.h"
 #include "analysis/AgeLimits.h"
+#include "analysis/DeclaredLimits.h"
 #include "analysis/WelfareAnalysis.h"
 #include "core/session/HalvarnSession.h"
 #include "framework/IniFile.h"
@@ -114,6 +115,7 @@ DownloadOutcome DownloadCommand::download()
             for (std::size_t i = 0; i < herds.size(); ++i)
                 readHerd(*herds[i], static_cast<int>(i), analysis);
             reportLateReferenceDate();
+            checkDeclaredLimits();
             outcome = incompleteHerds_ > 0 ? DownloadOutcome::Incomplete : DownloadOutcome::Completed;
         }
     } catch (const RequestCancelled&) {
@@ -124,6 +126,15 @@ DownloadOutcome DownloadCommand::download()
     }
     session_.EndLongOperation();
     return outcome;
+}
+
+// The counts of a producer taken from the producer list against the numbers it declared.
+void DownloadCommand::checkDeclaredLimits()
+{
+    if (!session_.inputs.declaredLimits)
+        return;
+    for (const QString& line : ApplyDeclaredLimits(session_.tables().mdGT00(), *session_.inputs.declaredLimits))
+        session_.appendError(line);
 }
 
 // An empty date (none, or day 0) and a date after today both become today.

@@ -48,6 +48,7 @@ private:
     int calfAge(const OwningList<TZZIInfoClass>& animals, const QString& cowNumber) const;
     void markIncomplete(const HerdRead& herd, const QString& reason);
     THerdSlot& showSlot(const HerdRead& herd);
+    void checkDeclaredLimits();
     void reportLateReferenceDate();
     QString fail(const QString& text);
     bool testBranch() const;

@@ -61,7 +61,7 @@ public:
 
     QString add(const AnimalProfile& profile, bool withBirthDate = true)
     {
-        const QString tag = u"PL%1"_s.arg(5000000000LL + ++tagCounter_ * 7, 12, 10, QLatin1Char('0'));
+        const QString tag = u"PL%1"_s.arg(options_.firstTag + ++tagCounter_ * 7, 12, 10, QLatin1Char('0'));
         // Ages count whole months plus one, so an animal of A months is (A - 1) months and some days old.
         const int days =
             profile.ageMonths == 0 ? 0 : static_cast<int>((profile.ageMonths - 1) * 30.4375) + random_.between(1, 29);
@@ -239,4 +239,26 @@ SimDataset GenerateDemoDataset(const DemoOptions& options)
     SimDataset data;
     data.producers.push_back(std::move(producer));
     return data;
+}
+
+std::vector<DemoOptions> FurtherDemoProducers(QDate referenceDate)
+{
+    DemoOptions second;
+    second.seed = 20261124;
+    second.producerNumber = u"082456131"_s;
+    second.login = u"uzytkownik.testowy.2"_s;
+    second.password = u"Brzezina4Mx9!"_s;
+    second.herdSizes = {60, 45};
+    second.firstTag = 6000000000;
+    DemoOptions third;
+    third.seed = 20261125;
+    third.producerNumber = u"063719251"_s;
+    third.login = u"uzytkownik.testowy.3"_s;
+    third.password = u"Olszynka2Qt5!"_s;
+    third.herdSizes = {40, 30, 55, 25};
+    third.firstTag = 7000000000;
+    std::vector<DemoOptions> producers{second, third};
+    for (DemoOptions& producer : producers)
+        producer.referenceDate = referenceDate;
+    return producers;
 }

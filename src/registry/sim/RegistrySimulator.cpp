@@ -67,7 +67,11 @@ void RegistrySimulator::setOptions(const SimOptions& options)
 
 std::unique_ptr<RegistrySimulator> StartDemoRegistry(const DemoOptions& demo)
 {
-    auto simulator = std::make_unique<RegistrySimulator>(GenerateDemoDataset(demo));
+    SimDataset data = GenerateDemoDataset(demo);
+    for (const DemoOptions& further : FurtherDemoProducers(demo.referenceDate))
+        if (further.producerNumber != demo.producerNumber)
+            data.producers.push_back(std::move(GenerateDemoDataset(further).producers.front()));
+    auto simulator = std::make_unique<RegistrySimulator>(std::move(data));
     if (!simulator->start())
         return nullptr;
     return simulator;

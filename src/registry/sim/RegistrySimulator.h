@@ -61,5 +61,6 @@ private:
     std::unique_ptr<Server> server_;
 };
 
-// The simulator with the demo producer of DemoOptions, listening; null when it cannot listen.
+// The simulator with the demo producer of DemoOptions and the further demo
+// producers, listening; null when it cannot listen.
 std::unique_ptr<RegistrySimulator> StartDemoRegistry(const DemoOptions& demo = {});

@@ -36,8 +36,13 @@ struct DemoOptions {
     QString password = u"Zielonka7Kb2!"_s;
     std::vector<int> herdSizes = {120, 85, 140}; // animals of each active herd: dairy, suckler, fattening, …
     QDate referenceDate = QDate::currentDate();
+    qint64 firstTag = 5000000000; // ear tags count up from here, so that two producers never share one
 };
 
 // A realistic producer: active herds of the given sizes, then an inactive
 // holding and an active one without animals. The same seed gives the same data.
 SimDataset GenerateDemoDataset(const DemoOptions& options);
+
+// The producers the embedded registry serves beside the demo producer of
+// DemoOptions, each with a number, log-in, seed, herds and ear tags of its own.
+std::vector<DemoOptions> FurtherDemoProducers(QDate referenceDate);

@@ -234,7 +234,8 @@ void TestGrids::columnsOfTheGrids_data()
                                   << u"Numer identyfikacyjny|Plec|Data urodzenia|Wiek|Typ uzytkowy|"
                                      u"Kierunek uzytkowania|Rozpatrzono|Czy matka|Gdzie rozpatrzono"_s
                                   << u"PL0005|XX|10.03.2020|80|mleczny|użytkowy|D|1|Krowy, 24 > Wiek"_s;
-    QTest::newRow("groups") << u"groups"_s << u"GT|ZakresWieku|Ilosc|Inf. dod."_s << u"Krowy|6 > Wiek <= 19|3|0"_s;
+    QTest::newRow("groups") << u"groups"_s << u"GT|ZakresWieku|Ilosc|Inf. dod.|Limit"_s
+                            << u"Krowy|6 > Wiek <= 19|3|0|"_s;
     QTest::newRow("summary") << u"summary"_s
                              << u"Z|Stado|Numer identyfikacyjny|Plec|Data urodzenia|Wiek|Typ uzytkowy|"
                                 u"Kierunek uzytkowania|Rozpatrzono|Gdzie rozpatrzono|Czy matka"_s

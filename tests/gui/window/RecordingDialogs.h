@@ -27,6 +27,8 @@ public:
     bool answerYes = true;
     std::optional<QString> herdChoice = u"ALL"_s;
     std::optional<QString> directionChoice;
+    std::optional<ChosenProducer> producerChoice;
+    QList<qint32> producerListsOpenedAt; // the last chosen ID each "Wybór producenta" started at
     QStringList opened;
     std::vector<Preview> previews;
     QStringList designed;
@@ -42,6 +44,11 @@ public:
     }
     std::optional<QString> herd() override { return herdChoice; }
     std::optional<QString> useDirection() override { return directionChoice; }
+    std::optional<ChosenProducer> chooseProducer(const DataFolder&, qint32 lastChosenId) override
+    {
+        producerListsOpenedAt.append(lastChosenId);
+        return producerChoice;
+    }
     void openFile(const QString& path) override { opened.append(path); }
     void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) override
     {

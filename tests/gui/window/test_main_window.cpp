@@ -2,6 +2,7 @@
 #include "framework/Cp1250.h"
 #include "gui/grids/SummaryGrid.h"
 #include "gui/grids/TableGrid.h"
+#include "gui/grids/TableModel.h"
 #include "gui/window/RecordingDialogs.h"
 #include "gui/window/StatusDisplay.h"
 #include "gui/window/TfHalvarnMain.h"
@@ -19,6 +20,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -134,6 +136,7 @@ private Q_SLOTS:
     void exportsFollowTheHerdChoiceAndTheGridsOrder();
     void changedLimitsTakeEffectAtTheNextClearing();
     void unreachableRegistryEndsInAMessage();
+    void chosenProducerFillsTheLoginAndHasItsLimitsChecked();
 };
 
 void TestMainWindow::init()
@@ -204,8 +207,8 @@ void TestMainWindow::startsEmptyIdleOnLoadedDataPage()
     QCOMPARE(status->text(StatusDisplay::Today), QDate::currentDate().toString(u"dd.MM.yyyy"));
     QVERIFY(!child<QGroupBox>("lcErrors")->isVisible());
     QVERIFY(!window_->session().common.torvLogin);
-    for (const char* name : {"cxButton6"}) // commands of later versions
-        QVERIFY2(!child<QPushButton>(name)->isEnabled(), name);
+    for (QPushButton* button : window_->findChildren<QPushButton*>(QRegularExpression(u"^cxButton"_s)))
+        QVERIFY2(button->isEnabled(), qPrintable(button->objectName()));
 }
 
 void TestMainWindow::clearingEndsIdleAtSixtyFourOfSixtyFive()
@@ -516,6 +519,45 @@ void TestMainWindow::unreachableRegistryEndsInAMessage()
              qPrintable(dialogs_->messages[0].text));
     QVERIFY(!window_->statusDisplay()->busy());
     QVERIFY(child<QPushButton>("cxButton1")->isEnabled());
+}
+
+// The producer from the list fills the log-in; the download then flags a group over
+// its declared number, until the user types a producer of his own.
+void TestMainWindow::chosenProducerFillsTheLoginAndHasItsLimitsChecked()
+{
+    openWindow();
+    DeclaredLimits limits;
+    limits.fill(100000);
+    limits[static_cast<int>(DeclaredGroup::DairyCows)] = 1;
+    dialogs_->producerChoice =
+        ChosenProducer{7, {u"Gospodarstwo Zielonka"_s, Demo.login, Demo.password, Demo.producerNumber, limits}};
+    click("cxButton6");
+    QCOMPARE(child<QLineEdit>("edUser")->text(), Demo.login);
+    QCOMPARE(child<QLineEdit>("edPassword")->text(), Demo.password);
+    QCOMPARE(child<QLineEdit>("edNumerProducenta")->text(), Demo.producerNumber);
+    QCOMPARE(child<QLineEdit>("edNazwa")->text(), u"Gospodarstwo Zielonka"_s);
+    dialogs_->producerChoice.reset();
+    click("cxButton6");
+    QCOMPARE(dialogs_->producerListsOpenedAt, (QList<qint32>{0, 7}));
+    QCOMPARE(child<QLineEdit>("edNazwa")->text(), u"Gospodarstwo Zielonka"_s);
+
+    click("cxButton1");
+    const QString errors = child<QPlainTextEdit>("mErrors")->toPlainText();
+    QVERIFY2(errors.contains(u"Przekroczono zadeklarowaną liczbę: krów mlecznych"_s), qPrintable(errors));
+    const TableModel* groups = window_->slotView(0).GroupsGrid->model();
+    QCOMPARE(groups->headerData(groups->columnCount() - 1, Qt::Horizontal).toString(), u"Limit"_s);
+    QStringList red;
+    for (int row = 0; row < groups->rowCount(); ++row)
+        if (groups->index(row, 0).data(Qt::ForegroundRole).isValid())
+            red.append(groups->index(row, 0).data().toString());
+    QCOMPARE(red, QStringList{u"Halvarn krów mlecznych"_s});
+
+    QLineEdit* number = child<QLineEdit>("edNumerProducenta");
+    number->clear();
+    QTest::keyClicks(number, Demo.producerNumber);
+    click("cxButton1");
+    QVERIFY(!child<QPlainTextEdit>("mErrors")->toPlainText().contains(u"Przekroczono"_s));
+    QCOMPARE(CountOverLimit(window_->session().tables().mdGT00()), 0);
 }
 
 QTEST_MAIN(TestMainWindow)

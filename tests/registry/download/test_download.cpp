@@ -1,4 +1,6 @@
 #include "analysis/AgeInMonths.h"
+#include "analysis/DeclaredLimits.h"
+#include "analysis/GroupCatalogue.h"
 #include "core/session/HalvarnSession.h"
 #include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
@@ -164,6 +166,7 @@ private Q_SLOTS:
     void holdingsWithoutATabOfTheirOwn();
     void cancellingStopsBetweenAnimalsWithConsistentTables();
     void animalsBornAfterTheReferenceDateAreReported();
+    void declaredLimitsAreCheckedForAProducerFromTheList();
     void badSettingsAreReportedAndReplacedByDefaults();
     void statusTextsAndProgressFollowTheSteps();
     void gatherCredentials_data();
@@ -441,6 +444,33 @@ void TestDownload::animalsBornAfterTheReferenceDateAreReported()
     QCOMPARE(d.numbers(2).size(), 5);
     QCOMPARE(d.session.errors().filter(u"urodzenia"_s),
              QStringList{u"Data \"Halvarn na dzień\" (2026-11-01) jest wcześniejsza niż data urodzenia 2 zwierząt"_s});
+}
+
+// A producer typed by hand has no limits; one from the list has the groups above them flagged.
+void TestDownload::declaredLimitsAreCheckedForAProducerFromTheList()
+{
+    FakeRegistry registry;
+    Download typed;
+    typed.run(registry);
+    Table& typedGroups = typed.session.tables().mdGT00();
+    QVERIFY(typedGroups.locate(typedGroups.requireField("ID"), qint32(GroupId::DairyCows)));
+    const int cows = AsInteger(typedGroups.value("Ilosc"));
+    QVERIFY(cows > 0);
+    QVERIFY(IsNull(typedGroups.value("Limit")));
+    QCOMPARE(CountOverLimit(typedGroups), 0);
+
+    Download chosen;
+    DeclaredLimits limits;
+    limits.fill(1000);
+    limits[static_cast<int>(DeclaredGroup::DairyCows)] = cows - 1;
+    chosen.session.inputs.declaredLimits = limits;
+    chosen.run(registry);
+    QCOMPARE(chosen.outcome, DownloadOutcome::Completed);
+    QCOMPARE(CountOverLimit(chosen.session.tables().mdGT00()), 1);
+    QCOMPARE(
+        chosen.session.errors().filter(u"Przekroczono"_s),
+        QStringList{u"Przekroczono zadeklarowaną liczbę: krów mlecznych — jest %1, zadeklarowano %2"_s.arg(cows).arg(
+            cows - 1)});
 }
 
 void TestDownload::badSettingsAreReportedAndReplacedByDefaults()
