@@ -8,7 +8,6 @@
 #include "core/producers/ProducerList.h"
 #include "core/session/HalvarnSession.h"
 #include "framework/IniFile.h"
-#include "framework/errors/CrashRecord.h"
 #include "registry/client/RegistryConfig.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/sim/RegistrySimulator.h"
@@ -24,7 +23,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-enum BatchExit { Completed = 0, StoppedEarly = 1, BadArguments = 2, UnhandledError = 4 };
+enum BatchExit { Completed = 0, StoppedEarly = 1, BadArguments = 2 };
 
 struct BatchOptions {
     QString outDir;
@@ -227,15 +226,6 @@ int RunBatch(const QStringList& arguments)
         QTextStream(stderr) << error << Qt::endl;
         return BadArguments;
     }
-    InstallCrashRecorder(DataFolder(DataFolder::resolve(options.dataDir)).crashRecord());
-    try {
-        return Run(options);
-    } catch (const HalvarnError& failure) {
-        // The list that cannot be read: the message says which file and why.
-        QTextStream(stderr) << failure.message() << Qt::endl;
-        return StoppedEarly;
-    } catch (...) {
-        ReportUnhandled(std::current_exception(), options.dataDir, {});
-        return UnhandledError;
-    }
+    // An error raised for the user here is the list that cannot be read: its message says which file and why.
+    return RunGuarded(options.dataDir, {}, StoppedEarly, [&options] { return Run(options); });
 }

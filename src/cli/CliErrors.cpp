@@ -1,6 +1,8 @@
 #include "cli/CliErrors.h"
 
 #include "framework/DataFolder.h"
+#include "framework/HalvarnError.h"
+#include "framework/errors/CrashRecord.h"
 #include "framework/errors/ErrorControl.h"
 #include "framework/errors/ErrorReport.h"
 
@@ -28,4 +30,19 @@ QString ReportUnhandled(const std::exception_ptr& error, const QString& dataDir,
     const CaughtError caught = Describe(error);
     control.report(caught);
     return caught.message;
+}
+
+int RunGuarded(const QString& dataDir, const QStringList& secrets, int userErrorExit,
+               const std::function<int()>& command)
+{
+    InstallCrashRecorder(DataFolder(DataFolder::resolve(dataDir)).crashRecord());
+    try {
+        return command();
+    } catch (const HalvarnError& failure) {
+        QTextStream(stderr) << failure.message() << Qt::endl;
+        return userErrorExit;
+    } catch (...) {
+        ReportUnhandled(std::current_exception(), dataDir, secrets);
+        return UnhandledErrorExit;
+    }
 }

@@ -12,11 +12,12 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
 QCommandLineOption Value(const char* name, const char* description, const char* valueName)
 {
     return {QString::fromLatin1(name), QString::fromUtf8(description), QString::fromLatin1(valueName)};
 }
+
+namespace {
 
 bool ParseCount(const QString& option, const QString& text, int highest, std::optional<int>& value, QString& error)
 {

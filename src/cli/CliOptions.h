@@ -2,6 +2,7 @@
 
 #include "core/session/HalvarnSession.h"
 
+#include <QCommandLineOption>
 #include <QStringList>
 
 #include <memory>
@@ -33,6 +34,9 @@ struct CliOptions {
 };
 
 // "--<option> YYYY-MM-DD", not before 1900-01-01; false, with the message in error, otherwise.
+// An option with a value, for the help text.
+QCommandLineOption Value(const char* name, const char* description, const char* valueName);
+
 bool ParseDateOption(const QString& option, const QString& text, QDate& date, QString& error);
 // "--kinds mamki,opasy,mleczne": the kinds of welfare ticked; false, with the message in error, for another word.
 bool ParseKindsOption(const QString& text, WelfareFlags& flags, QString& error);

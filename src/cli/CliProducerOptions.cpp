@@ -1,6 +1,7 @@
 #include "cli/CliProducerOptions.h"
 
 #include "cli/CliHost.h"
+#include "cli/CliOptions.h"
 #include "framework/Cp1250.h"
 
 #include <QCommandLineParser>
@@ -36,11 +37,6 @@ const std::vector<ActionEntry>& Actions()
         {"remove", Action::Remove, {u"id"_s, u"yes"_s}},
     };
     return actions;
-}
-
-QCommandLineOption Value(const char* name, const char* description, const char* valueName)
-{
-    return {QString::fromLatin1(name), QString::fromUtf8(description), QString::fromLatin1(valueName)};
 }
 
 void AddOptions(QCommandLineParser& parser)

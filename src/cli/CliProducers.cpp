@@ -4,14 +4,13 @@
 #include "cli/CliHost.h"
 #include "cli/CliProducerOptions.h"
 #include "core/producers/ProducerList.h"
-#include "framework/errors/CrashRecord.h"
 
 #include <QTextStream>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-enum ProducersExit { Done = 0, NotDone = 1, BadArguments = 2, UnhandledError = 4 };
+enum ProducersExit { Done = 0, NotDone = 1, BadArguments = 2 };
 
 // A tab or a line end inside a field would break the line into other columns.
 QString Field(const QString& text)
@@ -109,15 +108,7 @@ int RunProducers(const QStringList& arguments)
         QTextStream(stderr) << error << Qt::endl;
         return BadArguments;
     }
-    InstallCrashRecorder(DataFolder(DataFolder::resolve(options.dataDir)).crashRecord());
-    try {
-        return Run(options);
-    } catch (const HalvarnError& failure) {
-        // A file of the list that cannot be read or written: the message says which and why.
-        QTextStream(stderr) << failure.message() << Qt::endl;
-        return NotDone;
-    } catch (...) {
-        ReportUnhandled(std::current_exception(), options.dataDir, {options.password.value_or(QString())});
-        return UnhandledError;
-    }
+    // An error raised for the user here is a file of the list that cannot be read or written.
+    return RunGuarded(options.dataDir, {options.password.value_or(QString())}, NotDone,
+                      [&options] { return Run(options); });
 }

@@ -11,7 +11,6 @@
 #include "core/session/SessionDump.h"
 #include "framework/IniFile.h"
 #include "framework/SafeFile.h"
-#include "framework/errors/CrashRecord.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
 #include "registry/sim/RegistrySimulator.h"
@@ -25,7 +24,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-enum ExitCode { Completed = 0, StoppedEarly = 1, BadArguments = 2, UnhandledError = 4 };
+enum ExitCode { Completed = 0, StoppedEarly = 1, BadArguments = 2 };
 
 // The use change follows only a download that ran to its end.
 int UseChangeExitCode(DownloadOutcome outcome, const CliOptions& options, HalvarnSession& session,
@@ -92,15 +91,11 @@ int Download(const QStringList& arguments)
         QTextStream(stderr) << error << Qt::endl;
         return BadArguments;
     }
-    InstallCrashRecorder(DataFolder(DataFolder::resolve(options.dataDir)).crashRecord());
-    try {
+    return RunGuarded(options.dataDir, {options.inputs.login, options.inputs.password}, UnhandledErrorExit, [&options] {
         if (options.failOnPurpose)
             throw std::logic_error("Próbny błąd programu (--debug-error)");
         return RunDownload(options);
-    } catch (...) {
-        ReportUnhandled(std::current_exception(), options.dataDir, {options.inputs.login, options.inputs.password});
-        return UnhandledError;
-    }
+    });
 }
 } // namespace
 
@@ -124,6 +119,6 @@ int main(int argc, char* argv[])
         return RunRender(arguments);
     } catch (...) {
         ReportUnhandled(std::current_exception(), {}, {});
-        return UnhandledError;
+        return UnhandledErrorExit;
     }
 }

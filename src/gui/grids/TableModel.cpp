@@ -5,7 +5,8 @@
 #include <QBrush>
 
 TableModel::TableModel(Table& table, std::vector<GridColumn> columns, QObject* parent)
-    : QAbstractTableModel(parent), table_(table), columns_(std::move(columns)), rows_(table.recordCount())
+    : QAbstractTableModel(parent), table_(table), columns_(std::move(columns)),
+      hasLimits_(table.fieldIndex("Limit") >= 0), rows_(table.recordCount())
 {
     for (const GridColumn& column : columns_)
         fields_.push_back(table_.requireField(column.field));
@@ -36,7 +37,8 @@ QVariant TableModel::data(const QModelIndex& index, int role) const
     switch (role) {
     case Qt::DisplayRole: return DisplayText(table_.at(index.row(), fields_[column]));
     case Qt::TextAlignmentRole: return static_cast<int>(columns_[column].alignment);
-    case Qt::ForegroundRole: return OverLimit(table_, index.row()) ? QBrush(QColor(200, 0, 0)) : QVariant();
+    case Qt::ForegroundRole:
+        return hasLimits_ && OverLimit(table_, index.row()) ? QBrush(QColor(200, 0, 0)) : QVariant();
     default: return {};
     }
 }

@@ -33,6 +33,7 @@ private:
     Table& table_;
     std::vector<GridColumn> columns_;
     std::vector<int> fields_; // table field of each column
+    bool hasLimits_;          // a groups table, whose rows over their "Limit" are shown red
     int rows_ = 0;            // as last told, so the view never sees a count ahead of the notifications
 };
 
