@@ -28,6 +28,8 @@ public:
     std::optional<QString> herd() override { return u"ALL"_s; }
     std::optional<QString> useDirection() override { return std::nullopt; }
     std::optional<ChosenProducer> chooseProducer(const DataFolder&, qint32) override { return std::nullopt; }
+    std::optional<qint64> chooseArchived(const DataFolder&) override { return std::nullopt; }
+    std::optional<QDate> recountDate(QDate) override { return std::nullopt; }
     void openFile(const QString&) override {}
     void showPreview(std::shared_ptr<const PreparedReport>, const PreviewSettings&) override {}
     void designTemplate(const QString&, const std::function<PreparedReport(const ReportTemplate&)>&) override {}

@@ -132,7 +132,7 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(u"Halvarn: pobieranie stad z rejestru IRZplus i grupy technologiczne "
-                                     u"(polecenia: download, render, producers, batch)"_s);
+                                     u"(polecenia: download, render, producers, batch, archive, recount)"_s);
     parser.addHelpOption();
     parser.addPositionalArgument(u"download"_s, u"pobierz dane producenta"_s);
     parser.addOptions({

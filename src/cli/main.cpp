@@ -1,3 +1,4 @@
+#include "cli/CliArchive.h"
 #include "cli/CliBatch.h"
 #include "cli/CliDownload.h"
 #include "cli/CliErrors.h"
@@ -113,6 +114,10 @@ int main(int argc, char* argv[])
         return RunProducers(arguments);
     if (command == u"batch")
         return RunBatch(arguments);
+    if (command == u"archive")
+        return RunArchive(arguments);
+    if (command == u"recount")
+        return RunRecount(arguments);
     if (command != u"render")
         return Download(arguments);
     try {

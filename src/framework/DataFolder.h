@@ -27,6 +27,7 @@ public:
     QString useChangeJournal() const { return file(u"TUKU.LOG"_s); }
     QString errorLog() const { return file(u"BLEDY.LOG"_s); }
     QString crashRecord() const { return file(u"AWARIA.DAT"_s); }
+    QString archiveFile() const { return file(u"ARCHIWUM.DB"_s); }
     QString screenshotFolder() const { return file(u"SCREENSHOTS"_s); }
 
 private:

@@ -32,3 +32,11 @@ inline QDate ToDate(TDateTime value)
         return {};
     return DateEpoch().addDays(static_cast<qint64>(std::floor(value)));
 }
+
+// The date a download or a recount runs for: an empty date (none, or day 0)
+// and a date after today both become today.
+inline QDate RunDate(QDate date)
+{
+    const QDate today = QDate::currentDate();
+    return !date.isValid() || date == DateEpoch() || date > today ? today : date;
+}

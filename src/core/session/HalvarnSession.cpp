@@ -84,6 +84,16 @@ void HalvarnSession::appendError(const QString& line)
     host_.memoAppended(Memo::Errors, line);
 }
 
+void HalvarnSession::truncateErrors(int count)
+{
+    if (count < 0 || count >= errors_.size())
+        return;
+    errors_.resize(count);
+    host_.memoCleared(Memo::Errors);
+    for (const QString& line : std::as_const(errors_))
+        host_.memoAppended(Memo::Errors, line);
+}
+
 void HalvarnSession::appendLoaded(const QString& text)
 {
     if (!loaded_.isEmpty())
@@ -101,6 +111,10 @@ void HalvarnSession::ClearAllData()
     errors_.clear();
     loaded_.clear();
     useCodes.clear();
+    answers.clear();
+    countedLimits.reset();
+    countingLinesFrom = -1;
+    archivedAt = {};
     host_.memoCleared(Memo::Loaded);
     host_.memoCleared(Memo::Errors);
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
@@ -122,13 +136,20 @@ void HalvarnSession::ClearAllData()
     }
     SetStatusText(StatusPanel::Step, u"Tworzenie grup technologicznych"_s);
     stepProgress(1);
-    rebuildGroups();
+    buildCatalogue();
     herdCount = 0;
     DataLoaded = false;
     SetStatusMode(false, false);
 }
 
-void HalvarnSession::rebuildGroups()
+void HalvarnSession::RebuildGroups()
+{
+    for (int slot = 0; slot < HerdSlotCount; ++slot)
+        tables_.ClearTable(tables_.mdGT(slot));
+    buildCatalogue();
+}
+
+void HalvarnSession::buildCatalogue()
 {
     const IniFile settings(folder_.settingsFile());
     QStringList problems;

@@ -2,11 +2,13 @@
 
 #include "analysis/DeclaredLimits.h"
 #include "analysis/WelfareFlags.h"
+#include "core/session/AnimalAnswer.h"
 #include "core/tables/WorkingTables.h"
 #include "framework/DataFolder.h"
 #include "framework/OperationHost.h"
 
 #include <QDate>
+#include <QDateTime>
 #include <QHash>
 #include <QStringList>
 
@@ -31,6 +33,8 @@ struct SessionInputs {
 struct UseCodes {
     QString useType;
     QString useDirection;
+
+    bool operator==(const UseCodes&) const = default;
 };
 
 struct ProgressBar {
@@ -62,6 +66,11 @@ public:
     WelfareFlags halvarnFlags;         // the ticks as the running operation read them
     QDate referenceDate;               // the reference date the last download used
     QHash<QString, UseCodes> useCodes; // by ear tag, as the last download read them
+    std::vector<AnimalAnswer> answers; // one per row of mdRZ00, in its order
+    // The declared numbers the loaded data was checked against; none for a producer typed by hand.
+    std::optional<DeclaredLimits> countedLimits;
+    int countingLinesFrom = -1; // where the lines of the counting start in the errors; -1 before one
+    QDateTime archivedAt;       // when the loaded data was downloaded, for data opened from the archive
 
     void GatherCredentials();
     void ReadHalvarnFlags() { halvarnFlags = inputs.flags; }
@@ -78,15 +87,19 @@ public:
     void appendError(const QString& line);
     void appendLoaded(const QString& text);
     const QStringList& errors() const { return errors_; }
+    // Drops the error lines from this one on (none for -1), as the host shows them too.
+    void truncateErrors(int count);
     const QString& loaded() const { return loaded_; }
 
     // Empties every animal and group table, hides the herd tabs and rebuilds
     // the group catalogue with the ticks as they are now, so that the catalogue
     // and the counting of the download that follows always agree.
     void ClearAllData();
+    // Empties the group tables and builds the catalogue again with the ticks the running operation read.
+    void RebuildGroups();
 
 private:
-    void rebuildGroups();
+    void buildCatalogue();
     void setControlsLocked(bool locked);
 
     DataFolder folder_;

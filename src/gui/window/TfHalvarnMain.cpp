@@ -2,6 +2,7 @@
 
 #include "core/session/HalvarnSession.h"
 #include "export/ExportCommands.h"
+#include "gui/charts/GroupsChartView.h"
 #include "gui/dialogs/TfAbout.h"
 #include "gui/dialogs/TfGET_PARAM.h"
 #include "gui/grids/SummaryGrid.h"
@@ -131,6 +132,10 @@ QWidget* TfHalvarnMain::buildCommandBar()
             &TfHalvarnMain::dxBarButton4Click);
     connect(addCommand(bar, "dxBarButton5", u"Wydruk grup technologicznych"_s), &QAction::triggered, this,
             &TfHalvarnMain::dxBarButton5Click);
+
+    connect(addCommand(bar, "actArchiwum", u"Archiwum"_s), &QAction::triggered, this, &TfHalvarnMain::openArchive);
+    connect(addCommand(bar, "actPrzelicz", u"Przelicz na dzień…"_s), &QAction::triggered, this,
+            &TfHalvarnMain::recount);
 
     auto* menu = Named<QMenu>("dxBarSubItem1", u"Ustawienia"_s, bar);
     menu->setToolTipsVisible(true);
@@ -292,7 +297,7 @@ QTabWidget* TfHalvarnMain::buildPages()
 
 namespace {
 // Animals on the left, the technological groups of the same herd on the right.
-QSplitter* HerdSplitter(QWidget* animals, TableGrid* groups, QWidget* parent)
+QSplitter* HerdSplitter(QWidget* animals, QWidget* groups, QWidget* parent)
 {
     auto* splitter = new QSplitter(Qt::Horizontal, parent);
     splitter->addWidget(animals);
@@ -323,8 +328,13 @@ QWidget* TfHalvarnMain::buildSummaryPage()
     animalsLayout->setContentsMargins(0, 0, 0, 0);
     animalsLayout->addWidget(summaryGrid_, 1);
     animalsLayout->addWidget(buildSummaryButtons());
+    // The chart of the overall groups is a page beside their grid.
+    auto* groupPages = Named<QTabWidget>("pcGrupy", page);
+    groupPages->addTab(groups, u"Tabela"_s);
+    chart_ = new GroupsChartView(tables, {}, groupPages);
+    groupPages->addTab(chart_, u"Wykres"_s);
     auto* layout = new QVBoxLayout(page);
-    layout->addWidget(HerdSplitter(animals, groups, page));
+    layout->addWidget(HerdSplitter(animals, groupPages, page));
     return page;
 }
 

@@ -20,6 +20,7 @@ struct PrintJob;
 struct PreparedReport;
 enum class HerdPrint;
 class ExportCommands;
+class GroupsChartView;
 class HalvarnSession;
 class QAction;
 class QCheckBox;
@@ -56,6 +57,7 @@ public:
 
     HalvarnSession& session() { return *session_; }
     SummaryGrid* summaryGrid() const { return summaryGrid_; }
+    GroupsChartView* groupsChart() const { return chart_; }
     StatusDisplay* statusDisplay() const { return status_; }
     const HerdSlotView& slotView(int slot) const { return slotViews_[static_cast<std::size_t>(slot)]; }
     QTabWidget* pages() const { return pages_; }
@@ -72,6 +74,8 @@ public Q_SLOTS:
     void cxButton3Click();    // "Zmiana kierunku użytkowania"
     void cxButton5Click();    // "Wydruk"
     void cxButton6Click();    // "Wybór producenta"
+    void openArchive();       // "Archiwum"
+    void recount();           // "Przelicz na dzień…"
     void dxBarButton4Click(); // "Wydruk rozczytanych zwierząt"
     void dxBarButton5Click(); // "Wydruk grup technologicznych"
     void cancelOperation();
@@ -98,6 +102,8 @@ private:
     void setRunning(bool running, bool cancellable);
     void showHerdTabs();
     void showFirstHerd();
+    void showLoadedInputs();
+    void showDataSource();
     void timerTick();
     void runExport(void (ExportCommands::*command)());
     void printHerds(HerdPrint kind);
@@ -132,6 +138,7 @@ private:
     StatusDisplay* status_ = nullptr;
     QTimer* timer1_ = nullptr;
     SummaryGrid* summaryGrid_ = nullptr;
+    GroupsChartView* chart_ = nullptr;
     std::array<HerdSlotView, HerdSlotCount> slotViews_{};
     std::vector<QWidget*> lockedWhileRunning_;
     std::vector<QAction*> actionsLockedWhileRunning_;

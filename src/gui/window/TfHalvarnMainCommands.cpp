@@ -1,9 +1,13 @@
 // The commands of the main window: each reads the fields, runs the core's
 // operation with the window as its host and shows the result.
+#include "core/archive/ArchiveCommands.h"
+#include "core/recount/RecountCommand.h"
 #include "core/session/HalvarnSession.h"
 #include "export/ExportCommands.h"
+#include "gui/charts/GroupsChartView.h"
 #include "gui/preview/TfpRapPrev_FR3.h"
 #include "gui/window/DateField.h"
+#include "gui/window/StatusDisplay.h"
 #include "gui/window/TfHalvarnMain.h"
 #include "gui/window/UserDialogs.h"
 #include "gui/window/WindowHost.h"
@@ -100,6 +104,61 @@ void TfHalvarnMain::cxButton6Click()
     declaredLimits_ = chosen->entry.limits;
 }
 
+// A stored download goes into the tables as the download left them; the fields
+// show its producer, dates and ticks, the status bar where the data comes from.
+void TfHalvarnMain::openArchive()
+{
+    if (running_)
+        return;
+    const std::optional<qint64> id = dialogs_->chooseArchived(folder_);
+    if (!id)
+        return;
+    runOperation([this, id] {
+        if (!OpenArchivedDownload(*session_, *id))
+            return;
+        showLoadedInputs();
+        showFirstHerd();
+    });
+}
+
+// The loaded animals aged and counted again on another date with the ticks as they are now.
+void TfHalvarnMain::recount()
+{
+    if (running_)
+        return;
+    const std::optional<QDate> date = dialogs_->recountDate(edHalvarnNaDzien->date());
+    if (!date)
+        return;
+    runOperation([this, date] {
+        if (RecountCommand(*session_).run(*date))
+            edHalvarnNaDzien->setDate(session_->referenceDate);
+    });
+}
+
+void TfHalvarnMain::showLoadedInputs()
+{
+    const SessionInputs& inputs = session_->inputs;
+    edNumerProducenta->setText(inputs.producerNumber);
+    edNazwa->setText(inputs.producerName);
+    edStanDanychNaDzien->setDate(inputs.stateDate);
+    edHalvarnNaDzien->setDate(inputs.referenceDate);
+    edHalvKrowMamek->setChecked(inputs.flags.krowMamek);
+    edHalvOpasow->setChecked(inputs.flags.opasow);
+    edHalvKrow->setChecked(inputs.flags.krowMlecznych);
+    declaredLimits_.reset();
+}
+
+// "Dane z archiwum: …" while the tables hold a stored download, and the reference date they were counted on.
+void TfHalvarnMain::showDataSource()
+{
+    QStringList parts;
+    if (session_->archivedAt.isValid())
+        parts << u"Dane z archiwum: "_s + session_->archivedAt.toString(u"dd.MM.yyyy HH:mm"_s);
+    if (session_->DataLoaded)
+        parts << u"Halvarn na dzień: "_s + session_->referenceDate.toString(u"dd.MM.yyyy"_s);
+    status_->setText(StatusDisplay::General, parts.join(u"   "_s));
+}
+
 void TfHalvarnMain::cancelOperation()
 {
     host_->requestCancel();
@@ -189,6 +248,8 @@ void TfHalvarnMain::runOperation(const std::function<void()>& operation, bool ca
         dialogs_->message(u"Błąd"_s, QString::fromUtf8(error.what()), MessageIcon::Error);
     }
     setRunning(false, cancellable);
+    showDataSource();
+    chart_->refresh();
     if (closeWhenDone_) {
         close();
         return;

@@ -1,5 +1,6 @@
 #include "gui/window/UserDialogs.h"
 
+#include "gui/archive/TfArchiwum.h"
 #include "gui/dialogs/MessageBoxPrompts.h"
 #include "gui/dialogs/TfGET_CO_EXP_WYDR.h"
 #include "gui/dialogs/TfGET_TUKU.h"
@@ -45,6 +46,16 @@ std::optional<QString> ModalDialogs::useDirection()
 std::optional<ChosenProducer> ModalDialogs::chooseProducer(const DataFolder& folder, qint32 lastChosenId)
 {
     return ChooseProducer(folder, lastChosenId, parent_);
+}
+
+std::optional<qint64> ModalDialogs::chooseArchived(const DataFolder& folder)
+{
+    return ChooseArchivedDownload(folder.archiveFile(), parent_);
+}
+
+std::optional<QDate> ModalDialogs::recountDate(QDate current)
+{
+    return AskRecountDate(current, parent_);
 }
 
 void ModalDialogs::openFile(const QString& path)

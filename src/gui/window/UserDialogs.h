@@ -3,6 +3,7 @@
 #include "core/producers/ProducerList.h"
 #include "framework/OperationHost.h"
 
+#include <QDate>
 #include <QString>
 
 #include <functional>
@@ -27,6 +28,10 @@ public:
     virtual std::optional<QString> useDirection() = 0;
     // "Wybór producenta" standing on the producer chosen last; none when cancelled.
     virtual std::optional<ChosenProducer> chooseProducer(const DataFolder& folder, qint32 lastChosenId) = 0;
+    // "Archiwum pobrań": the download to open; none when closed. Deleting happens inside.
+    virtual std::optional<qint64> chooseArchived(const DataFolder& folder) = 0;
+    // "Przelicz na dzień": the new reference date; none when cancelled.
+    virtual std::optional<QDate> recountDate(QDate current) = 0;
     virtual void openFile(const QString& path) = 0;
     // The print preview, modal; it goes when the user closes it.
     virtual void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) = 0;
@@ -45,6 +50,8 @@ public:
     std::optional<QString> herd() override;
     std::optional<QString> useDirection() override;
     std::optional<ChosenProducer> chooseProducer(const DataFolder& folder, qint32 lastChosenId) override;
+    std::optional<qint64> chooseArchived(const DataFolder& folder) override;
+    std::optional<QDate> recountDate(QDate current) override;
     void openFile(const QString& path) override;
     void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) override;
     void designTemplate(const QString& path,

@@ -2,8 +2,9 @@
 
 #include "analysis/AgeInMonths.h"
 #include "analysis/AgeLimits.h"
-#include "analysis/DeclaredLimits.h"
 #include "analysis/WelfareAnalysis.h"
+#include "core/archive/ArchiveCommands.h"
+#include "core/session/CountingLines.h"
 #include "core/session/HalvarnSession.h"
 #include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
@@ -58,6 +59,29 @@ QString HerdCode(const QString& holdingNumber)
     return holdingNumber.mid(holdingNumber.indexOf(u'-') + 1);
 }
 
+// The birth date of the first animal of the list that has each mother, by the mother's number.
+QHash<QString, TDateTime> FirstCalfBirths(const OwningList<TZZIInfoClass>& animals)
+{
+    QHash<QString, TDateTime> births;
+    births.reserve(static_cast<qsizetype>(animals.size()));
+    for (const auto& animal : animals)
+        if (!births.contains(animal->numerIdentyfikacyjnyMatki))
+            births.insert(animal->numerIdentyfikacyjnyMatki, animal->dataUrodzenia);
+    return births;
+}
+
+// "czyMatka" of a single-animal answer the download did not need on its reference
+// date, kept for a recount on another one; none when the answer cannot tell.
+std::optional<bool> MotherInAnswer(const QString& single)
+{
+    if (single.isEmpty())
+        return std::nullopt;
+    const QJsonDocument document = QJsonDocument::fromJson(single.toUtf8());
+    if (!document.isObject() || RegistryFailure(document.object()))
+        return std::nullopt;
+    return TZZIInfoClass::ParseOne(document.object())->czyMatka;
+}
+
 int HerdSlot(const QString& code, const QString& holdingNumber)
 {
     bool ok = false;
@@ -67,14 +91,6 @@ int HerdSlot(const QString& code, const QString& holdingNumber)
     return slot;
 }
 } // namespace
-
-int FindAgeInList(const OwningList<TZZIInfoClass>& list, const QString& number, TDateTime referenceDate)
-{
-    for (const auto& animal : list)
-        if (animal->numerIdentyfikacyjnyZwierzecia == number)
-            return AgeInMonths(animal->dataUrodzenia, referenceDate);
-    return 0;
-}
 
 DownloadCommand::DownloadCommand(HalvarnSession& session, TdmIRZ_PLUS& registry)
     : session_(session), registry_(registry)
@@ -114,9 +130,10 @@ DownloadOutcome DownloadCommand::download()
             WelfareAnalysis analysis(session_.tables(), limits, session_.halvarnFlags);
             for (std::size_t i = 0; i < herds.size(); ++i)
                 readHerd(*herds[i], static_cast<int>(i), analysis);
-            reportLateReferenceDate();
-            checkDeclaredLimits();
+            session_.countedLimits = session_.inputs.declaredLimits;
+            AppendCountingLines(session_, bornAfterReference_);
             outcome = incompleteHerds_ > 0 ? DownloadOutcome::Incomplete : DownloadOutcome::Completed;
+            StoreDownload(session_);
         }
     } catch (const RequestCancelled&) {
     } catch (const std::exception& error) {
@@ -128,22 +145,10 @@ DownloadOutcome DownloadCommand::download()
     return outcome;
 }
 
-// The counts of a producer taken from the producer list against the numbers it declared.
-void DownloadCommand::checkDeclaredLimits()
-{
-    if (!session_.inputs.declaredLimits)
-        return;
-    for (const QString& line : ApplyDeclaredLimits(session_.tables().mdGT00(), *session_.inputs.declaredLimits))
-        session_.appendError(line);
-}
-
-// An empty date (none, or day 0) and a date after today both become today.
 void DownloadCommand::normaliseDates()
 {
-    const QDate today = QDate::currentDate();
     for (QDate* date : {&session_.inputs.stateDate, &session_.inputs.referenceDate})
-        if (!date->isValid() || *date == DateEpoch() || *date > today)
-            *date = today;
+        *date = RunDate(*date);
     stateDate_ = ToDateTime(session_.inputs.stateDate);
     referenceDate_ = ToDateTime(session_.inputs.referenceDate);
     session_.referenceDate = session_.inputs.referenceDate;
@@ -281,6 +286,7 @@ QString DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, H
     QStringList numbers;
     for (const auto& animal : animals)
         numbers.append(animal->numerIdentyfikacyjnyZwierzecia);
+    const QHash<QString, TDateTime> calfBirths = FirstCalfBirths(animals);
     auto queue = registry_.animalQueue(session_.ProducerNumber, numbers, testBranch());
     AnimalRowWriter writer(session_.tables());
     for (const auto& entry : animals) {
@@ -293,26 +299,32 @@ QString DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, H
         if (const auto failure = RegistryFailure(single))
             return fail(*failure);
         const int age = AgeInMonths(animal.dataUrodzenia, referenceDate_);
-        bool czyMatka = animal.czyMatka;
+        AnimalAnswer answer{
+            herd.slot,    animal.plec.kod, animal.typUzytkowy.kod, animal.kierunekUzytkownia.kod, animal.czyMatka,
+            std::nullopt, std::nullopt};
         if (animal.plec.kod == QLatin1String("XX") && age > 14 && !single.isEmpty()) {
             const QJsonObject root = ParseAnswer(single);
             if (const auto failure = RegistryFailure(root))
                 return fail(*failure);
-            czyMatka = TZZIInfoClass::ParseOne(root)->czyMatka;
+            answer.answerMother = TZZIInfoClass::ParseOne(root)->czyMatka;
+        } else {
+            answer.answerMother = MotherInAnswer(single);
         }
+        const auto calf = calfBirths.constFind(number);
+        if (calf != calfBirths.cend())
+            answer.firstCalfBirth = ToDate(*calf);
         if (animal.dataUrodzenia > referenceDate_)
             ++bornAfterReference_;
         session_.stepProgress(2);
         session_.SetStatusText(StatusPanel::Step, u"Rozczytywanie danych: "_s + number);
+        const bool czyMatka = CountedMother(answer, age);
         writer.write(animal, czyMatka, age, herd.code, herd.slot);
         session_.useCodes.insert(number, {animal.typUzytkowy.kod, animal.kierunekUzytkownia.kod});
-        AnimalFacts facts{animal.plec.kod,
-                          animal.typUzytkowy.kod,
-                          animal.kierunekUzytkownia.kod,
-                          age,
-                          true,
-                          [this, &animals, &number] { return calfAge(animals, number); }};
+        AnimalFacts facts{answer.sexCode, answer.useType, answer.useDirection, age, true, [this, &calf, &calfBirths] {
+                              return calf == calfBirths.cend() ? 0 : AgeInMonths(*calf, referenceDate_);
+                          }};
         analysis.analyse(facts, herd.slot);
+        session_.answers.push_back(std::move(answer));
         ++herd.read;
     }
     return {};
@@ -341,23 +353,4 @@ THerdSlot& DownloadCommand::showSlot(const HerdRead& herd)
     slot.Visible = true;
     slots[0].Visible = true;
     return slot;
-}
-
-// The age formula still applies to an animal born after the reference date; the
-// user is told how many there are.
-void DownloadCommand::reportLateReferenceDate()
-{
-    if (bornAfterReference_ == 0)
-        return;
-    session_.appendError(u"Data \"Halvarn na dzień\" (%1) jest wcześniejsza niż data urodzenia %2 zwierząt"_s
-                             .arg(session_.inputs.referenceDate.toString(u"yyyy-MM-dd"))
-                             .arg(bornAfterReference_));
-}
-
-int DownloadCommand::calfAge(const OwningList<TZZIInfoClass>& animals, const QString& cowNumber) const
-{
-    for (const auto& animal : animals)
-        if (animal->numerIdentyfikacyjnyMatki == cowNumber)
-            return AgeInMonths(animal->dataUrodzenia, referenceDate_);
-    return 0;
 }

@@ -45,11 +45,8 @@ private:
     bool claimSlot(const HerdRead& herd);
     QString readHerdAnimals(HerdRead& herd, int index, WelfareAnalysis& analysis);
     QString readAnimals(const OwningList<TZZIInfoClass>& animals, HerdRead& herd, WelfareAnalysis& analysis);
-    int calfAge(const OwningList<TZZIInfoClass>& animals, const QString& cowNumber) const;
     void markIncomplete(const HerdRead& herd, const QString& reason);
     THerdSlot& showSlot(const HerdRead& herd);
-    void checkDeclaredLimits();
-    void reportLateReferenceDate();
     QString fail(const QString& text);
     bool testBranch() const;
 
@@ -62,6 +59,3 @@ private:
     int bornAfterReference_ = 0;
     std::array<QString, HerdSlotCount> slotHolders_; // holding number that took each slot
 };
-
-// Age on the reference date of the first animal of the list with this number; 0 when none has it.
-int FindAgeInList(const OwningList<TZZIInfoClass>& list, const QString& number, TDateTime referenceDate);

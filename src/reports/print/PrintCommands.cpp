@@ -2,10 +2,14 @@
 
 #include "core/session/HalvarnSession.h"
 #include "reports/TemplateReader.h"
+#include "reports/chart/ChartTemplatePage.h"
+#include "reports/chart/GroupsChartPage.h"
 #include "reports/print/TdmulmxDataBase_FR3.h"
 
 #include <QDir>
 #include <QFileInfo>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -58,7 +62,7 @@ std::optional<PreparedReport> PrintCommands::run(const PrintJob& job)
     if (!loadTemplate(job.templateName))
         return std::nullopt;
     job.bind();
-    return reports_.prepare();
+    return prepared();
 }
 
 PreparedReport PrintCommands::runWith(const PrintJob& job, ReportTemplate report)
@@ -66,7 +70,18 @@ PreparedReport PrintCommands::runWith(const PrintJob& job, ReportTemplate report
     reports_.ResetReportLinks(session_.tables());
     reports_.frxReport.setTemplate(std::move(report));
     job.bind();
-    return reports_.prepare();
+    return prepared();
+}
+
+// The chart page is laid out with the template's pages, so their numbering
+// counts it; the chart is drawn on it afterwards.
+PreparedReport PrintCommands::prepared()
+{
+    const std::optional<GroupsChartData> chart = std::exchange(chart_, std::nullopt);
+    PreparedReport report = reports_.prepare();
+    if (chart)
+        DrawGroupsChart(report, report.pageCount() - 1, *chart);
+    return report;
 }
 
 // The overall section for "ALL" and "000", then every slot that holds a
@@ -79,7 +94,8 @@ void PrintCommands::bindHerds(HerdPrint kind, const QString& herd)
         return kind == HerdPrint::Animals ? *slot.AnimalsTable : *slot.GroupsTable;
     };
     const bool all = herd == u"ALL";
-    bool headerDone = all || herd == u"000";
+    const bool overall = all || herd == u"000";
+    bool headerDone = overall;
     reports_.frxDBDataset(TdmulmxDataBase_FR3::OverallLink).table =
         headerDone ? &tableOf(tables.HerdSlots[0]) : &tables.mdEmpty();
     int position = 1;
@@ -88,6 +104,17 @@ void PrintCommands::bindHerds(HerdPrint kind, const QString& herd)
         if (slot.Visible && (all || herd == slot.Code))
             reports_.AddHerdSection(tableOf(slot), slot.Code, position, headerDone);
     }
+    if (kind == HerdPrint::Groups && overall)
+        addChartPage();
+}
+
+void PrintCommands::addChartPage()
+{
+    GroupsChartData chart = BuildGroupsChartData(session_.tables());
+    if (chart.isEmpty())
+        return;
+    reports_.frxReport.setTemplate(WithChartPage(reports_.frxReport.report()));
+    chart_ = std::move(chart);
 }
 
 void PrintCommands::copyShownRowsToReport()

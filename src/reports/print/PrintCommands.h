@@ -2,6 +2,7 @@
 
 #include "reports/PreparedReport.h"
 #include "reports/ReportModel.h"
+#include "reports/chart/GroupsChartData.h"
 
 #include <functional>
 #include <optional>
@@ -32,7 +33,8 @@ public:
     QString templatePath(const QString& name) const;
 
     // "Wydruk rozczytanych zwierząt", "Wydruk grup technologicznych": the herd
-    // choice is "ALL", "000" or a herd code, taken as typed.
+    // choice is "ALL", "000" or a herd code, taken as typed. The groups print
+    // of "ALL" and "000" ends with the chart page when a group counts an animal.
     PrintJob herds(HerdPrint kind, const QString& herd);
     // "Wydruk": the summary rows the grid shows now, copied into mdRaport1.
     PrintJob filtered();
@@ -52,8 +54,11 @@ private:
     bool loadTemplate(const QString& name);
     void ShowTemplateMissing(const QString& path);
     void bindHerds(HerdPrint kind, const QString& herd);
+    void addChartPage();
+    PreparedReport prepared();
     void copyShownRowsToReport();
 
     HalvarnSession& session_;
     TdmulmxDataBase_FR3& reports_;
+    std::optional<GroupsChartData> chart_; // what the job's binding put on the chart page, if it added one
 };

@@ -29,6 +29,8 @@ public:
     std::optional<QString> directionChoice;
     std::optional<ChosenProducer> producerChoice;
     QList<qint32> producerListsOpenedAt; // the last chosen ID each "Wybór producenta" started at
+    std::optional<qint64> archivedChoice;
+    std::optional<QDate> recountChoice;
     QStringList opened;
     std::vector<Preview> previews;
     QStringList designed;
@@ -49,6 +51,8 @@ public:
         producerListsOpenedAt.append(lastChosenId);
         return producerChoice;
     }
+    std::optional<qint64> chooseArchived(const DataFolder&) override { return archivedChoice; }
+    std::optional<QDate> recountDate(QDate) override { return recountChoice; }
     void openFile(const QString& path) override { opened.append(path); }
     void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) override
     {

@@ -1,8 +1,11 @@
+#include "core/archive/DownloadArchive.h"
 #include "core/session/HalvarnSession.h"
 #include "framework/Cp1250.h"
+#include "gui/charts/GroupsChartView.h"
 #include "gui/grids/SummaryGrid.h"
 #include "gui/grids/TableGrid.h"
 #include "gui/grids/TableModel.h"
+#include "gui/window/DateField.h"
 #include "gui/window/RecordingDialogs.h"
 #include "gui/window/StatusDisplay.h"
 #include "gui/window/TfHalvarnMain.h"
@@ -137,6 +140,7 @@ private Q_SLOTS:
     void changedLimitsTakeEffectAtTheNextClearing();
     void unreachableRegistryEndsInAMessage();
     void chosenProducerFillsTheLoginAndHasItsLimitsChecked();
+    void archivedDownloadOpensAndRecountsWithoutTheRegistry();
 };
 
 void TestMainWindow::init()
@@ -558,6 +562,48 @@ void TestMainWindow::chosenProducerFillsTheLoginAndHasItsLimitsChecked()
     click("cxButton1");
     QVERIFY(!child<QPlainTextEdit>("mErrors")->toPlainText().contains(u"Przekroczono"_s));
     QCOMPARE(CountOverLimit(window_->session().tables().mdGT00()), 0);
+}
+
+// The registry gone, the last download comes back from the archive as it was,
+// says so in the status bar and is counted again on another date.
+void TestMainWindow::archivedDownloadOpensAndRecountsWithoutTheRegistry()
+{
+    openWindow();
+    auto trigger = [this](const char* name) { child<QAction>(name)->trigger(); };
+    dialogs_->recountChoice = QDate(2025, 1, 31);
+    trigger("actPrzelicz");
+    QCOMPARE(dialogs_->texts().size(), 1);
+    QVERIFY(dialogs_->texts()[0].startsWith(u"Brak danych do przeliczenia"_s));
+
+    fillDemoLogin();
+    click("cxButton1");
+    HalvarnSession& session = window_->session();
+    const int animals = session.tables().mdRZ00().recordCount();
+    const QString firstAge =
+        DisplayText(session.tables().mdRZ00().at(0, session.tables().mdRZ00().requireField(u"Wiek")));
+    registry_.reset();
+    click("cxButton2");
+    QCOMPARE(session.tables().mdRZ00().recordCount(), 0);
+    QVERIFY(window_->groupsChart()->data().isEmpty());
+    child<QLineEdit>("edNumerProducenta")->clear();
+
+    dialogs_->archivedChoice = DownloadArchive(DataFolder(data_->path()).archiveFile()).list().front().id;
+    trigger("actArchiwum");
+    QCOMPARE(session.tables().mdRZ00().recordCount(), animals);
+    QCOMPARE(DisplayText(session.tables().mdRZ00().at(0, session.tables().mdRZ00().requireField(u"Wiek"))), firstAge);
+    QCOMPARE(child<QLineEdit>("edNumerProducenta")->text(), Demo.producerNumber);
+    QVERIFY(window_->pages()->isTabVisible(window_->pages()->indexOf(window_->slotView(1).TabSheet)));
+    QVERIFY(window_->statusDisplay()->text(StatusDisplay::General).startsWith(u"Dane z archiwum: "_s));
+    const GroupsChartData& chart = window_->groupsChart()->data();
+    QCOMPARE(chart.series.size(), Demo.herdSizes.size());
+    QVERIFY(chart.herdSumsMatch());
+
+    trigger("actPrzelicz");
+    QCOMPARE(child<DateField>("edHalvarnNaDzien")->date(), QDate(2025, 1, 31));
+    QCOMPARE(session.tables().mdProducent().value(u"DATA3"), FieldValue(QDate(2025, 1, 31)));
+    QVERIFY(window_->statusDisplay()->text(StatusDisplay::General).endsWith(u"Halvarn na dzień: 31.01.2025"_s));
+    QCOMPARE(session.tables().mdRZ00().recordCount(), animals);
+    QCOMPARE(dialogs_->texts().size(), 1);
 }
 
 QTEST_MAIN(TestMainWindow)

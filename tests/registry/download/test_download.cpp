@@ -1,6 +1,7 @@
 #include "analysis/AgeInMonths.h"
 #include "analysis/DeclaredLimits.h"
 #include "analysis/GroupCatalogue.h"
+#include "core/recount/RecountCommand.h"
 #include "core/session/HalvarnSession.h"
 #include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
@@ -8,6 +9,7 @@
 #include "support/Files.h"
 #include "support/RecordingHost.h"
 #include "support/RecordingServer.h"
+#include "support/TableCompare.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -167,6 +169,8 @@ private Q_SLOTS:
     void cancellingStopsBetweenAnimalsWithConsistentTables();
     void animalsBornAfterTheReferenceDateAreReported();
     void declaredLimitsAreCheckedForAProducerFromTheList();
+    void recountFollowsTheSingleAnimalAnswers_data();
+    void recountFollowsTheSingleAnimalAnswers();
     void badSettingsAreReportedAndReplacedByDefaults();
     void statusTextsAndProgressFollowTheSteps();
     void gatherCredentials_data();
@@ -517,7 +521,8 @@ void TestDownload::statusTextsAndProgressFollowTheSteps()
                                u"S:Pobier. dod. inform.: PL001"_s,
                                u"S:Rozczytywanie danych: PL001"_s,
                                u"S:Pobier. dod. inform.: PL004"_s,
-                               u"S:Rozczytywanie danych: PL004"_s};
+                               u"S:Rozczytywanie danych: PL004"_s,
+                               u"S:Zapis do archiwum"_s};
     QCOMPARE(d.host.statusLog, clearing + download);
 
     const qsizetype cleared = d.host.progressLog.indexOf(u"1:64/65"_s);
@@ -569,6 +574,43 @@ void TestDownload::theTestBranchSettingMovesEveryRequest()
     // the registry's codes of use type and direction stay beside the descriptions in the tables
     QCOMPARE(d.session.useCodes.size(), 6);
     QCOMPARE(d.session.useCodes.value(u"PL101"_s).useDirection, u"ML"_s);
+}
+
+void TestDownload::recountFollowsTheSingleAnimalAnswers_data()
+{
+    QTest::addColumn<QDate>("downloaded");
+    QTest::addColumn<QDate>("recounted");
+    QTest::addColumn<int>("motherPL003");
+    // PL003 is 13 months old 60 days before the reference date and 15 on it;
+    // its list says it is no mother, its own answer that it is.
+    QTest::newRow("older: the own answer decides") << Reference.addDays(-60) << Reference << 1;
+    QTest::newRow("younger: the list decides") << Reference << Reference.addDays(-60) << 0;
+}
+
+// The recount keeps what each animal's own answer said, even one the download did
+// not need on its date, and so gives the tables a download on the new date gives.
+void TestDownload::recountFollowsTheSingleAnimalAnswers()
+{
+    QFETCH(QDate, downloaded);
+    QFETCH(QDate, recounted);
+    QFETCH(int, motherPL003);
+    const FakeRegistry registry;
+    Download stored;
+    stored.session.inputs.stateDate = Reference;
+    stored.session.inputs.referenceDate = downloaded;
+    stored.run(registry, 150'000, true);
+    Download fresh;
+    fresh.session.inputs.stateDate = Reference;
+    fresh.session.inputs.referenceDate = recounted;
+    fresh.run(registry, 150'000, true);
+    QCOMPARE(stored.outcome, DownloadOutcome::Completed);
+    QCOMPARE(fresh.outcome, DownloadOutcome::Completed);
+
+    QVERIFY(RecountCommand(stored.session).run(recounted));
+    QCOMPARE(FirstDifference(fresh.session, stored.session), QString());
+    QCOMPARE(stored.session.errors(), fresh.session.errors());
+    Table& herd = stored.session.tables().mdRZ(1);
+    QCOMPARE(AsInteger(herd.at(2, herd.requireField(u"CzyMatka"))), motherPL003);
 }
 
 QTEST_GUILESS_MAIN(TestDownload)
