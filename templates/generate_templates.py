@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the four band templates (.fr3) the program ships, next to this script.
+"""Writes the band templates (.fr3) the program ships, next to this script.
 
 Edit the layout here and run the script again; the .fr3 files are its output.
 Geometry is in pixels at 96 per inch, paper and margins in millimetres.
@@ -190,10 +190,13 @@ def add_section(bands, suffix, link, columns, totals, caption=None, new_page=Fal
     bands.add("TfrxFooter", f"Footer{suffix}", 24, totals(columns, suffix, link))
 
 
-def report(title, landscape, fill_page):
+def report(title, landscape, fill_page, heading=None):
     width = LANDSCAPE_WIDTH if landscape else PORTRAIT_WIDTH
     bands = Bands(width)
-    add_title(bands, title)
+    if heading:
+        heading(bands)
+    else:
+        add_title(bands, title)
     fill_page(bands)
     add_page_footer(bands)
     if landscape:
@@ -307,6 +310,179 @@ def use_changes(bands):
     add_section(bands, 1, "frxDBDataset1", use_change_columns(bands.width), use_change_totals, row=use_change_row)
 
 
+# The control list: one herd choice, every animal on the control date, then the totals
+
+CONTROL_TOTALS = "frxDBDataset2"
+
+
+def add_control_title(bands):
+    """The producer, the control date and the herds; the date and herds are fields of the totals link."""
+    width = bands.width
+    label = {**BODY, **CENTRED}
+    value = {**label, **BOLD}
+    x = width - 250
+    objects = [
+        memo("Tytul", 0, 0, width, 26, "Lista kontrolna",
+             {"Font.Name": "Arial", "Font.Height": "-19", **BOLD, "HAlign": "haCenter", **CENTRED}),
+        memo("EtykietaProducent", 0, 34, 110, ROW, "Numer producenta:", label),
+        memo("Producent", 110, 34, 300, ROW, field(PRODUCER, "PRODUCENT"), value),
+        memo("EtykietaNazwa", 0, 52, 110, ROW, "Nazwa:", label),
+        memo("Nazwa", 110, 52, 300, ROW, field(PRODUCER, "NAZWA"), value),
+        memo("EtykietaKontroli", x, 34, 120, ROW, "Dzień kontroli:", label),
+        memo("DataKontroli", x + 120, 34, 130, ROW, field(CONTROL_TOTALS, "DataKontroli"), {**value, **DATE}),
+        memo("EtykietaStad", x, 52, 120, ROW, "Stada:", label),
+        memo("Stada", x + 120, 52, 130, ROW, field(CONTROL_TOTALS, "Stada"), value),
+        line("LiniaTytulu", 76, width),
+    ]
+    bands.add("TfrxReportTitle", "ReportTitle1", 82, objects)
+    half = width / 2
+    owner = f"Producent: {field(PRODUCER, 'PRODUCENT')} {field(PRODUCER, 'NAZWA')}"
+    header = [
+        memo("TytulStrony", 0, 0, half, ROW, "Lista kontrolna", {**label, **BOLD}),
+        memo("ProducentStrony", half, 0, half, ROW, owner, {**label, "HAlign": "haRight"}),
+        line("LiniaNaglowkaStrony", 18, width),
+    ]
+    bands.add("TfrxPageHeader", "PageHeader1", 24, header, PrintOnFirstPage="False")
+
+
+def control_columns(width):
+    return Columns(width, [
+        Column("Lp", "Lp.", 32, "number", lambda link: "[Line#]"),
+        field_column("Stado", "Stado", 42, "code", "STADO"),
+        field_column("Numer", "Numer identyfikacyjny", 118, "text", "NumerIdentyfikacyjny"),
+        field_column("Plec", "Płeć", 52, "text", "Plec"),
+        field_column("DataUrodzenia", "Data urodzenia", 70, "date", "DataUrodzenia"),
+        field_column("Wiek", "Wiek (m-ce)", 48, "number", "Wiek"),
+        field_column("Pochodzenie", "Pochodzenie", 150, "text", "Pochodzenie"),
+        field_column("Grupa", "Grupa technologiczna", 0, "text", "Grupa"),
+    ])
+
+
+def control_totals_columns(width):
+    return Columns(width, [
+        field_column("Opis", "Grupa technologiczna / pochodzenie", width - 100, "text", "Opis"),
+        field_column("Liczba", "Liczba zwierząt", 0, "number", "Ilosc"),
+    ])
+
+
+def control_list(bands):
+    def count(columns, suffix, link):
+        return [memo(f"RazemZwierzat{suffix}", 0, 4, 300, ROW, f"Razem zwierząt: [COUNT(MasterData{suffix})]", TOTAL)]
+
+    add_section(bands, 1, "frxDBDataset1", control_columns(bands.width), count)
+    add_section(bands, 2, CONTROL_TOTALS, control_totals_columns(bands.width), lambda columns, suffix, link: [],
+                caption=("MVPodsumowanie", "Podsumowanie"))
+
+
+# The comparison of two downloads of one producer: the animals that arrived,
+# left or changed their group, then the group counts of both downloads
+
+COMPARISON = "frxDBDataset30"  # the comparison's one-row header, bound in place of the producer
+COMPARED_ANIMALS = "frxDBDataset1"
+COMPARED_GROUPS = "frxDBDataset2"
+
+
+def add_comparison_title(bands):
+    """The producer and, for downloads A and B, the number, "Halvarn na dzień" and the time of download."""
+    width = bands.width
+    label = {**BODY, **CENTRED}
+    value = {**label, **BOLD}
+    x = width - 520
+    objects = [
+        memo("Tytul", 0, 0, width, 26, "Porównanie pobrań",
+             {"Font.Name": "Arial", "Font.Height": "-19", **BOLD, "HAlign": "haCenter", **CENTRED}),
+        memo("EtykietaProducent", 0, 34, 110, ROW, "Numer producenta:", label),
+        memo("Producent", 110, 34, 300, ROW, field(COMPARISON, "PRODUCENT"), value),
+        memo("EtykietaNazwa", 0, 52, 110, ROW, "Nazwa:", label),
+        memo("Nazwa", 110, 52, 300, ROW, field(COMPARISON, "NAZWA"), value),
+        memo("Zmiany", 0, 70, 500, ROW, f"Przybyło: {field(COMPARISON, 'PRZYBYLO')}, ubyło: "
+             f"{field(COMPARISON, 'UBYLO')}, zmiana grupy: {field(COMPARISON, 'ZMIANA_GRUPY')}", label),
+    ]
+    for row, (kind, when) in enumerate([("A", "starsze"), ("B", "nowsze")]):
+        y = 34 + row * 18
+        objects += [
+            memo(f"Pobranie{kind}", x, y, 170, ROW, f"Pobranie {kind} ({when}): nr {field(COMPARISON, 'NR_' + kind)}",
+                 value),
+            memo(f"EtykietaHalvarn{kind}", x + 170, y, 110, ROW, "Halvarn na dzień:", label),
+            memo(f"DataHalvarn{kind}", x + 280, y, 80, ROW, field(COMPARISON, "DATA_" + kind), {**value, **DATE}),
+            memo(f"EtykietaPobrano{kind}", x + 360, y, 50, ROW, "pobrano:", label),
+            memo(f"Pobrano{kind}", x + 410, y, 110, ROW, field(COMPARISON, "POBRANO_" + kind), value),
+        ]
+    objects.append(line("LiniaTytulu", 94, width))
+    bands.add("TfrxReportTitle", "ReportTitle1", 100, objects)
+    half = width / 2
+    owner = (f"Producent: {field(COMPARISON, 'PRODUCENT')} {field(COMPARISON, 'NAZWA')} – "
+             f"A: {field(COMPARISON, 'DATA_A')}, B: {field(COMPARISON, 'DATA_B')}")
+    header = [
+        memo("TytulStrony", 0, 0, half, ROW, "Porównanie pobrań", {**label, **BOLD}),
+        memo("ProducentStrony", half, 0, half, ROW, owner, {**label, "HAlign": "haRight"}),
+        line("LiniaNaglowkaStrony", 18, width),
+    ]
+    bands.add("TfrxPageHeader", "PageHeader1", 24, header, PrintOnFirstPage="False")
+
+
+def compared_animal_columns(width):
+    fixed = [
+        Column("Lp", "Lp.", 32, "number", lambda link: "[Line#]"),
+        field_column("Zmiana", "Zmiana", 78, "text", "Zmiana"),
+        field_column("Stado", "Stado", 42, "code", "STADO"),
+        field_column("Numer", "Numer identyfikacyjny", 118, "text", "NumerIdentyfikacyjny"),
+        field_column("Plec", "Płeć", 50, "text", "Plec"),
+        field_column("DataUrodzenia", "Data urodzenia", 68, "date", "DataUrodzenia"),
+        field_column("WiekA", "Wiek A (m-ce)", 46, "number", "WiekA"),
+        field_column("WiekB", "Wiek B (m-ce)", 46, "number", "WiekB"),
+    ]
+    group_width = (width - sum(column.width for column in fixed)) // 2
+    return Columns(width, fixed + [
+        field_column("GrupaA", "Grupa technologiczna A", group_width, "text", "GrupaA"),
+        field_column("GrupaB", "Grupa technologiczna B", 0, "text", "GrupaB"),
+    ])
+
+
+def compared_group_columns(width):
+    return Columns(width, [
+        field_column("Lp", "Lp.", 40, "number", "ID"),
+        field_column("Grupa", "Grupa technologiczna", width - 40 - 3 * 100, "text", "GT"),
+        field_column("IloscA", "Ilość A", 100, "number", "IloscA"),
+        field_column("IloscB", "Ilość B", 100, "number", "IloscB"),
+        field_column("Roznica", "Różnica (B − A)", 0, "number", "Roznica"),
+    ])
+
+
+def compared_animal_totals(columns, suffix, link):
+    return [memo(f"RazemZwierzat{suffix}", 0, 4, 300, ROW, f"Razem zmian: [COUNT(MasterData{suffix})]", TOTAL)]
+
+
+def compared_group_totals(columns, suffix, link):
+    """The sums stand under their columns."""
+    total = {**TOTAL, "HAlign": "haRight"}
+    objects = [memo(f"Razem{suffix}", 0, 4, columns.left("IloscA"), ROW, "Razem:", total)]
+    for key in ["IloscA", "IloscB", "Roznica"]:
+        left = columns.left(key)
+        objects.append(memo(f"Razem{key}{suffix}", left, 4, columns.right(key) - left, ROW,
+                            f'[SUM(<{link}."{key}">,MasterData{suffix})]', total))
+    return objects
+
+
+def comparison_section(bands, suffix, link, columns, totals, caption):
+    """A caption and the column headings, printed even when the link has no rows, then the rows and the totals."""
+    name, text = caption
+    header = [memo(name, 0, 0, bands.width, 22, text, {"Font.Name": "Arial", "Font.Height": "-15", **BOLD,
+                                                        **CENTRED})]
+    header += columns.headings(suffix, 26)
+    bands.add("TfrxHeader", f"Header{suffix}", 26 + HEADINGS, header, ReprintOnNewPage="True", PrintIfEmpty="True")
+    bands.add("TfrxMasterData", f"MasterData{suffix}", ROW, columns.cells(suffix, link), DataSet=link,
+              DataSetName=link)
+    bands.add("TfrxFooter", f"Footer{suffix}", 24, totals(columns, suffix, link))
+
+
+def download_comparison(bands):
+    comparison_section(bands, "Zwierzeta", COMPARED_ANIMALS, compared_animal_columns(bands.width),
+                       compared_animal_totals, ("TytulZwierzat", "Zwierzęta: przybyło, ubyło, zmiana grupy"))
+    comparison_section(bands, "Grupy", COMPARED_GROUPS, compared_group_columns(bands.width), compared_group_totals,
+                       ("TytulGrup", "Liczebność grup technologicznych"))
+
+
 TEMPLATES = {
     "Rozczytane zwierzęta.fr3":
         report("Rozczytane zwierzęta", True, all_sections(animal_columns(LANDSCAPE_WIDTH), animal_totals)),
@@ -315,6 +491,8 @@ TEMPLATES = {
     "Rozczytane zwierzęta z filtrem.fr3": report("Rozczytane zwierzęta (wg filtra)", True, filtered_animals),
     # "zmieny" is how the program has always spelled this file's name.
     "Zgłoszenie zmieny TUKU.fr3": report("Zgłoszenie zmiany kierunku użytkowania", True, use_changes),
+    "Lista kontrolna.fr3": report("Lista kontrolna", False, control_list, heading=add_control_title),
+    "Porównanie pobrań.fr3": report("Porównanie pobrań", True, download_comparison, heading=add_comparison_title),
 }
 
 if __name__ == "__main__":

@@ -30,6 +30,9 @@ public:
     std::optional<ChosenProducer> chooseProducer(const DataFolder&, qint32) override { return std::nullopt; }
     std::optional<qint64> chooseArchived(const DataFolder&) override { return std::nullopt; }
     std::optional<QDate> recountDate(QDate) override { return std::nullopt; }
+    std::optional<ControlListChoice> controlList(const QStringList&) override { return std::nullopt; }
+    void compareDownloads(const DataFolder&, TdmulmxDataBase_FR3&, const std::function<void(const PrintJob&)>&) override
+    {}
     void openFile(const QString&) override {}
     void showPreview(std::shared_ptr<const PreparedReport>, const PreviewSettings&) override {}
     void designTemplate(const QString&, const std::function<PreparedReport(const ReportTemplate&)>&) override {}

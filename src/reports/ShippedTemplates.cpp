@@ -20,8 +20,8 @@ QByteArray ShippedTemplate(const QString& name)
 
 QStringList ShippedTemplateNames()
 {
-    return {u"Rozczytane zwierzęta.fr3"_s, u"Grupy technologiczne.fr3"_s, u"Rozczytane zwierzęta z filtrem.fr3"_s,
-            u"Zgłoszenie zmieny TUKU.fr3"_s};
+    return {u"Rozczytane zwierzęta.fr3"_s,   u"Grupy technologiczne.fr3"_s, u"Rozczytane zwierzęta z filtrem.fr3"_s,
+            u"Zgłoszenie zmieny TUKU.fr3"_s, u"Lista kontrolna.fr3"_s,      u"Porównanie pobrań.fr3"_s};
 }
 
 TemplateInstallResult InstallShippedTemplates(const QString& templatesFolder)

@@ -101,7 +101,7 @@ def check_demo_prints(cli, work):
     expect(sorted(os.listdir(pdfs)) == sorted(names), f"PDF names {os.listdir(pdfs)}")
     expect(sorted(os.listdir(os.path.join(data, "SZABLONY"))) == sorted([
         "Grupy technologiczne.fr3", "Rozczytane zwierzęta z filtrem.fr3", "Rozczytane zwierzęta.fr3",
-        "Zgłoszenie zmieny TUKU.fr3"]), "templates installed")
+        "Zgłoszenie zmieny TUKU.fr3", "Lista kontrolna.fr3", "Porównanie pobrań.fr3"]), "templates installed")
     expect(page_size(os.path.join(pdfs, names[1])).endswith("(A4)"), "A4")
     check_animals_print(os.path.join(pdfs, names[0]), dump)
     check_groups_print(os.path.join(pdfs, names[1]), dump)

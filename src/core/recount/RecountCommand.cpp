@@ -1,80 +1,14 @@
 #include "core/recount/RecountCommand.h"
 
-#include "analysis/AgeInMonths.h"
-#include "analysis/WelfareAnalysis.h"
+#include "core/recount/CountAgain.h"
 #include "core/session/CountingLines.h"
 #include "core/session/HalvarnSession.h"
+#include "framework/DateTime.h"
 #include "framework/IniFile.h"
 
 #include <QScopeGuard>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-// Puts an animal's age and mother flag of the new date into its rows of mdRZ00
-// and of its herd's table, clears the marks the analysis sets again, and
-// leaves both rows current for the analysis.
-class RowUpdater {
-public:
-    explicit RowUpdater(WorkingTables& tables)
-        : tables_(tables), summary_(FieldsOf(tables.mdRZ00())), herd_(FieldsOf(tables.mdRZ(1)))
-    {}
-
-    void update(int row, int slot, int herdRow, int age, bool mother)
-    {
-        update(tables_.mdRZ00(), summary_, row, age, mother);
-        update(tables_.mdRZ(slot), herd_, herdRow, age, mother);
-    }
-
-private:
-    struct Fields {
-        int age;
-        int mother;
-        int rozpatrzono;
-        int gdzie;
-    };
-
-    static Fields FieldsOf(const Table& table)
-    {
-        return {table.requireField(u"Wiek"), table.requireField(u"CzyMatka"), table.requireField(u"Rozpatrzono"),
-                table.requireField(u"GdzieRozpatrzono")};
-    }
-
-    void update(Table& table, const Fields& f, int row, int age, bool mother)
-    {
-        table.setReadOnly(false);
-        table.moveTo(row);
-        table.edit();
-        table.setValue(f.age, age);
-        table.setValue(f.mother, qint32{mother ? 1 : 0});
-        table.setValue(f.rozpatrzono, {});
-        table.setValue(f.gdzie, {});
-        table.post();
-        tables_.restoreReadOnly(table);
-    }
-
-    WorkingTables& tables_;
-    Fields summary_;
-    Fields herd_;
-};
-
-// Every herd table holds, in order, the rows of mdRZ00 whose answers name its slot.
-bool RowsMatchAnswers(WorkingTables& tables, const std::vector<AnimalAnswer>& answers)
-{
-    if (answers.size() != static_cast<std::size_t>(tables.mdRZ00().recordCount()))
-        return false;
-    std::array<int, HerdSlotCount> perSlot{};
-    for (const AnimalAnswer& answer : answers) {
-        if (answer.slot < 1 || answer.slot >= HerdSlotCount)
-            return false;
-        ++perSlot[static_cast<std::size_t>(answer.slot)];
-    }
-    for (int slot = 1; slot < HerdSlotCount; ++slot)
-        if (perSlot[static_cast<std::size_t>(slot)] != tables.mdRZ(slot).recordCount())
-            return false;
-    return true;
-}
-} // namespace
 
 RecountCommand::RecountCommand(HalvarnSession& session) : session_(session) {}
 
@@ -94,30 +28,11 @@ bool RecountCommand::run(QDate referenceDate)
 
 void RecountCommand::recount(QDate referenceDate)
 {
-    WorkingTables& tables = session_.tables();
     session_.SetStatusText(StatusPanel::Step, u"Przeliczanie na dzień "_s + referenceDate.toString(u"dd.MM.yyyy"));
     session_.RebuildGroups();
-    WelfareAnalysis analysis(tables, AgeLimits::read(IniFile(session_.dataFolder().settingsFile())),
-                             session_.halvarnFlags);
-    RowUpdater updater(tables);
-    const TDateTime reference = ToDateTime(referenceDate);
-    const Table& summary = tables.mdRZ00();
-    const int birthField = summary.requireField(u"DataUrodzenia");
-    std::array<int, HerdSlotCount> herdRow{};
-    int bornAfterReference = 0;
-    for (int row = 0; row < summary.recordCount(); ++row) {
-        const AnimalAnswer& answer = session_.answers[static_cast<std::size_t>(row)];
-        const TDateTime birth = ToDateTime(AsDate(summary.at(row, birthField)));
-        const int age = AgeInMonths(birth, reference);
-        if (birth > reference)
-            ++bornAfterReference;
-        updater.update(row, answer.slot, herdRow[static_cast<std::size_t>(answer.slot)]++, age,
-                       CountedMother(answer, age));
-        const auto calfAge = [&answer, reference] {
-            return answer.firstCalfBirth ? AgeInMonths(ToDateTime(*answer.firstCalfBirth), reference) : 0;
-        };
-        analysis.analyse({answer.sexCode, answer.useType, answer.useDirection, age, true, calfAge}, answer.slot);
-    }
+    const AgeLimits limits = AgeLimits::read(IniFile(session_.dataFolder().settingsFile()));
+    const int bornAfterReference =
+        CountAgain(session_.tables(), session_.answers, referenceDate, limits, session_.halvarnFlags);
     writeReferenceDate(referenceDate);
     AppendCountingLines(session_, bornAfterReference);
 }

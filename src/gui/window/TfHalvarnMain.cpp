@@ -136,6 +136,12 @@ QWidget* TfHalvarnMain::buildCommandBar()
     connect(addCommand(bar, "actArchiwum", u"Archiwum"_s), &QAction::triggered, this, &TfHalvarnMain::openArchive);
     connect(addCommand(bar, "actPrzelicz", u"Przelicz na dzień…"_s), &QAction::triggered, this,
             &TfHalvarnMain::recount);
+    connect(addCommand(bar, "actListaKontrolna", u"Lista kontrolna"_s), &QAction::triggered, this,
+            &TfHalvarnMain::printControlList);
+    connect(addCommand(bar, "actPorownanie", u"Porównanie pobrań"_s), &QAction::triggered, this, [this] {
+        if (!running_)
+            dialogs_->compareDownloads(folder_, *dmulmxDataBase_FR3, [this](const PrintJob& job) { showPrint(job); });
+    });
 
     auto* menu = Named<QMenu>("dxBarSubItem1", u"Ustawienia"_s, bar);
     menu->setToolTipsVisible(true);

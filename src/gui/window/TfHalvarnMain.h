@@ -76,6 +76,7 @@ public Q_SLOTS:
     void cxButton6Click();    // "Wybór producenta"
     void openArchive();       // "Archiwum"
     void recount();           // "Przelicz na dzień…"
+    void printControlList();  // "Lista kontrolna"
     void dxBarButton4Click(); // "Wydruk rozczytanych zwierząt"
     void dxBarButton5Click(); // "Wydruk grup technologicznych"
     void cancelOperation();

@@ -135,6 +135,19 @@ void TfHalvarnMain::recount()
     });
 }
 
+// The animals of the chosen herds on the control date, in the preview like every print.
+void TfHalvarnMain::printControlList()
+{
+    if (running_)
+        return;
+    QStringList herds;
+    for (const THerdSlot& slot : session_->tables().HerdSlots)
+        if (slot.Visible && &slot != &session_->tables().HerdSlots[0])
+            herds.append(slot.Code);
+    if (const std::optional<ControlListChoice> choice = dialogs_->controlList(herds))
+        showPrint(prints_->controlList(choice->controlDate, choice->herd));
+}
+
 void TfHalvarnMain::showLoadedInputs()
 {
     const SessionInputs& inputs = session_->inputs;

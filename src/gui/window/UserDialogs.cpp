@@ -1,6 +1,7 @@
 #include "gui/window/UserDialogs.h"
 
 #include "gui/archive/TfArchiwum.h"
+#include "gui/archive/TfPorownanie.h"
 #include "gui/dialogs/MessageBoxPrompts.h"
 #include "gui/dialogs/TfGET_CO_EXP_WYDR.h"
 #include "gui/dialogs/TfGET_TUKU.h"
@@ -56,6 +57,18 @@ std::optional<qint64> ModalDialogs::chooseArchived(const DataFolder& folder)
 std::optional<QDate> ModalDialogs::recountDate(QDate current)
 {
     return AskRecountDate(current, parent_);
+}
+
+std::optional<ControlListChoice> ModalDialogs::controlList(const QStringList& herdCodes)
+{
+    return AskControlList(herdCodes, parent_);
+}
+
+void ModalDialogs::compareDownloads(const DataFolder& folder, TdmulmxDataBase_FR3& reports,
+                                    const std::function<void(const PrintJob&)>& print)
+{
+    TfPorownanie dialog(folder, reports, print, parent_);
+    dialog.exec();
 }
 
 void ModalDialogs::openFile(const QString& path)

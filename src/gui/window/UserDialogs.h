@@ -2,6 +2,7 @@
 
 #include "core/producers/ProducerList.h"
 #include "framework/OperationHost.h"
+#include "gui/dialogs/ControlListDialog.h"
 
 #include <QDate>
 #include <QString>
@@ -12,6 +13,8 @@
 
 class QWidget;
 struct PreparedReport;
+struct PrintJob;
+class TdmulmxDataBase_FR3;
 struct PreviewSettings;
 struct ReportTemplate;
 
@@ -32,6 +35,11 @@ public:
     virtual std::optional<qint64> chooseArchived(const DataFolder& folder) = 0;
     // "Przelicz na dzień": the new reference date; none when cancelled.
     virtual std::optional<QDate> recountDate(QDate current) = 0;
+    // "Lista kontrolna": the control date and the herds; none when cancelled.
+    virtual std::optional<ControlListChoice> controlList(const QStringList& herdCodes) = 0;
+    // "Porównanie pobrań" over the archive; its "Wydruk" hands the print to `print`.
+    virtual void compareDownloads(const DataFolder& folder, TdmulmxDataBase_FR3& reports,
+                                  const std::function<void(const PrintJob&)>& print) = 0;
     virtual void openFile(const QString& path) = 0;
     // The print preview, modal; it goes when the user closes it.
     virtual void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) = 0;
@@ -52,6 +60,9 @@ public:
     std::optional<ChosenProducer> chooseProducer(const DataFolder& folder, qint32 lastChosenId) override;
     std::optional<qint64> chooseArchived(const DataFolder& folder) override;
     std::optional<QDate> recountDate(QDate current) override;
+    std::optional<ControlListChoice> controlList(const QStringList& herdCodes) override;
+    void compareDownloads(const DataFolder& folder, TdmulmxDataBase_FR3& reports,
+                          const std::function<void(const PrintJob&)>& print) override;
     void openFile(const QString& path) override;
     void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) override;
     void designTemplate(const QString& path,

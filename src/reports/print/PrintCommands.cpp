@@ -4,6 +4,7 @@
 #include "reports/TemplateReader.h"
 #include "reports/chart/ChartTemplatePage.h"
 #include "reports/chart/GroupsChartPage.h"
+#include "reports/print/ControlList.h"
 #include "reports/print/TdmulmxDataBase_FR3.h"
 
 #include <QDir>
@@ -14,8 +15,10 @@
 using namespace Qt::StringLiterals;
 
 PrintCommands::PrintCommands(HalvarnSession& session, TdmulmxDataBase_FR3& reports)
-    : session_(session), reports_(reports)
+    : session_(session), reports_(reports), controlList_(std::make_unique<ControlList>())
 {}
+
+PrintCommands::~PrintCommands() = default;
 
 QString PrintCommands::templateName(HerdPrint kind)
 {
@@ -53,6 +56,15 @@ PrintJob PrintCommands::filtered()
 PrintJob PrintCommands::useChange()
 {
     return {useChangeTemplateName(), [this] { reports_.frxDBDataset(1).table = &session_.tables().mdTUKU(); }};
+}
+
+PrintJob PrintCommands::controlList(QDate controlDate, const QString& herd)
+{
+    return {ControlList::templateName(), [this, controlDate, herd] {
+                controlList_->fill(session_, controlDate, herd);
+                reports_.frxDBDataset(1).table = &controlList_->animals();
+                reports_.frxDBDataset(2).table = &controlList_->totals();
+            }};
 }
 
 // Every print starts afresh: links reset, the template read again, then bound.

@@ -4,9 +4,13 @@
 #include "reports/ReportModel.h"
 #include "reports/chart/GroupsChartData.h"
 
+#include <QDate>
+
 #include <functional>
+#include <memory>
 #include <optional>
 
+class ControlList;
 class HalvarnSession;
 class TdmulmxDataBase_FR3;
 
@@ -26,6 +30,7 @@ struct PrintJob {
 class PrintCommands {
 public:
     PrintCommands(HalvarnSession& session, TdmulmxDataBase_FR3& reports);
+    ~PrintCommands();
 
     static QString templateName(HerdPrint kind);
     static QString filteredTemplateName();
@@ -40,6 +45,8 @@ public:
     PrintJob filtered();
     // The confirmation of a change of use direction, from mdTUKU.
     PrintJob useChange();
+    // "Lista kontrolna" of the herd choice on the control date.
+    PrintJob controlList(QDate controlDate, const QString& herd);
 
     // Links reset, the job's template read afresh, bound and laid out.
     std::optional<PreparedReport> run(const PrintJob& job);
@@ -60,5 +67,6 @@ private:
 
     HalvarnSession& session_;
     TdmulmxDataBase_FR3& reports_;
-    std::optional<GroupsChartData> chart_; // what the job's binding put on the chart page, if it added one
+    std::optional<GroupsChartData> chart_;     // what the job's binding put on the chart page, if it added one
+    std::unique_ptr<ControlList> controlList_; // the tables "Lista kontrolna" binds, kept for its preview
 };

@@ -31,6 +31,9 @@ public:
     QList<qint32> producerListsOpenedAt; // the last chosen ID each "Wybór producenta" started at
     std::optional<qint64> archivedChoice;
     std::optional<QDate> recountChoice;
+    std::optional<ControlListChoice> controlListChoice;
+    QStringList controlListHerds; // the herd codes the last "Lista kontrolna" offered
+    int comparisonsOpened = 0;
     QStringList opened;
     std::vector<Preview> previews;
     QStringList designed;
@@ -53,6 +56,15 @@ public:
     }
     std::optional<qint64> chooseArchived(const DataFolder&) override { return archivedChoice; }
     std::optional<QDate> recountDate(QDate) override { return recountChoice; }
+    std::optional<ControlListChoice> controlList(const QStringList& herdCodes) override
+    {
+        controlListHerds = herdCodes;
+        return controlListChoice;
+    }
+    void compareDownloads(const DataFolder&, TdmulmxDataBase_FR3&, const std::function<void(const PrintJob&)>&) override
+    {
+        ++comparisonsOpened;
+    }
     void openFile(const QString& path) override { opened.append(path); }
     void showPreview(std::shared_ptr<const PreparedReport> report, const PreviewSettings& settings) override
     {

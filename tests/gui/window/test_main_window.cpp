@@ -11,6 +11,7 @@
 #include "gui/window/TfHalvarnMain.h"
 #include "registry/sim/HttpLib.h"
 #include "registry/sim/RegistrySimulator.h"
+#include "reports/ShippedTemplates.h"
 #include "support/Files.h"
 #include "support/RecordingServer.h"
 
@@ -604,6 +605,17 @@ void TestMainWindow::archivedDownloadOpensAndRecountsWithoutTheRegistry()
     QVERIFY(window_->statusDisplay()->text(StatusDisplay::General).endsWith(u"Halvarn na dzień: 31.01.2025"_s));
     QCOMPARE(session.tables().mdRZ00().recordCount(), animals);
     QCOMPARE(dialogs_->texts().size(), 1);
+
+    QVERIFY(InstallShippedTemplates(DataFolder(data_->path()).templatesFolder()).failed.isEmpty());
+    dialogs_->controlListChoice = ControlListChoice{QDate(2025, 3, 1), u"002"_s};
+    trigger("actListaKontrolna");
+    QCOMPARE(dialogs_->controlListHerds, (QStringList{u"001"_s, u"002"_s, u"003"_s}));
+    QCOMPARE(dialogs_->previews.size(), 1u);
+    const QString page = dialogs_->previews[0].report->pageTexts(0).join(u'\n');
+    QVERIFY2(page.contains(u"Lista kontrolna"_s) && page.contains(u"01.03.2025"_s), qPrintable(page));
+    QCOMPARE(dialogs_->texts().size(), 1);
+    trigger("actPorownanie");
+    QCOMPARE(dialogs_->comparisonsOpened, 1);
 }
 
 QTEST_MAIN(TestMainWindow)
