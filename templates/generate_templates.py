@@ -130,18 +130,41 @@ class Bands:
         self.top += height + BAND_GAP
 
 
-def add_title(bands, title):
-    width = bands.width
-    label = {**BODY, **CENTRED}
-    value = {**label, **BOLD}
-    x = width - 250
-    objects = [
+TITLE_LABEL = {**BODY, **CENTRED}
+TITLE_VALUE = {**TITLE_LABEL, **BOLD}
+
+
+def title_and_producer(width, title, link=PRODUCER):
+    """The title over the whole width, the producer's number and name below it on the left."""
+    return [
         memo("Tytul", 0, 0, width, 26, title,
              {"Font.Name": "Arial", "Font.Height": "-19", **BOLD, "HAlign": "haCenter", **CENTRED}),
-        memo("EtykietaProducent", 0, 34, 110, ROW, "Numer producenta:", label),
-        memo("Producent", 110, 34, 300, ROW, field(PRODUCER, "PRODUCENT"), value),
-        memo("EtykietaNazwa", 0, 52, 110, ROW, "Nazwa:", label),
-        memo("Nazwa", 110, 52, 300, ROW, field(PRODUCER, "NAZWA"), value),
+        memo("EtykietaProducent", 0, 34, 110, ROW, "Numer producenta:", TITLE_LABEL),
+        memo("Producent", 110, 34, 300, ROW, field(link, "PRODUCENT"), TITLE_VALUE),
+        memo("EtykietaNazwa", 0, 52, 110, ROW, "Nazwa:", TITLE_LABEL),
+        memo("Nazwa", 110, 52, 300, ROW, field(link, "NAZWA"), TITLE_VALUE),
+    ]
+
+
+def add_page_header(bands, title, owner):
+    """From the second page on, one short line says whose printout it is."""
+    half = bands.width / 2
+    header = [
+        memo("TytulStrony", 0, 0, half, ROW, title, {**TITLE_LABEL, **BOLD}),
+        memo("ProducentStrony", half, 0, half, ROW, owner, {**TITLE_LABEL, "HAlign": "haRight"}),
+        line("LiniaNaglowkaStrony", 18, bands.width),
+    ]
+    bands.add("TfrxPageHeader", "PageHeader1", 24, header, PrintOnFirstPage="False")
+
+
+PRODUCER_OWNER = f"Producent: {field(PRODUCER, 'PRODUCENT')} {field(PRODUCER, 'NAZWA')}"
+
+
+def add_title(bands, title):
+    width = bands.width
+    label, value = TITLE_LABEL, TITLE_VALUE
+    x = width - 250
+    objects = title_and_producer(width, title) + [
         memo("EtykietaStanu", x, 34, 160, ROW, "Stan zwierząt na dzień:", label),
         memo("DataStanu", x + 160, 34, 90, ROW, field(PRODUCER, "DATA1"), {**value, **DATE}),
         memo("EtykietaHalvarn", x, 52, 160, ROW, "Halvarn na dzień:", label),
@@ -151,15 +174,7 @@ def add_title(bands, title):
         line("LiniaTytulu", 94, width),
     ]
     bands.add("TfrxReportTitle", "ReportTitle1", 100, objects)
-    # From the second page on, one short line says whose printout it is.
-    half = width / 2
-    owner = f"Producent: {field(PRODUCER, 'PRODUCENT')} {field(PRODUCER, 'NAZWA')}"
-    header = [
-        memo("TytulStrony", 0, 0, half, ROW, title, {**label, **BOLD}),
-        memo("ProducentStrony", half, 0, half, ROW, owner, {**label, "HAlign": "haRight"}),
-        line("LiniaNaglowkaStrony", 18, width),
-    ]
-    bands.add("TfrxPageHeader", "PageHeader1", 24, header, PrintOnFirstPage="False")
+    add_page_header(bands, title, PRODUCER_OWNER)
 
 
 def add_page_footer(bands):
@@ -318,16 +333,9 @@ CONTROL_TOTALS = "frxDBDataset2"
 def add_control_title(bands):
     """The producer, the control date and the herds; the date and herds are fields of the totals link."""
     width = bands.width
-    label = {**BODY, **CENTRED}
-    value = {**label, **BOLD}
+    label, value = TITLE_LABEL, TITLE_VALUE
     x = width - 250
-    objects = [
-        memo("Tytul", 0, 0, width, 26, "Lista kontrolna",
-             {"Font.Name": "Arial", "Font.Height": "-19", **BOLD, "HAlign": "haCenter", **CENTRED}),
-        memo("EtykietaProducent", 0, 34, 110, ROW, "Numer producenta:", label),
-        memo("Producent", 110, 34, 300, ROW, field(PRODUCER, "PRODUCENT"), value),
-        memo("EtykietaNazwa", 0, 52, 110, ROW, "Nazwa:", label),
-        memo("Nazwa", 110, 52, 300, ROW, field(PRODUCER, "NAZWA"), value),
+    objects = title_and_producer(width, "Lista kontrolna") + [
         memo("EtykietaKontroli", x, 34, 120, ROW, "Dzień kontroli:", label),
         memo("DataKontroli", x + 120, 34, 130, ROW, field(CONTROL_TOTALS, "DataKontroli"), {**value, **DATE}),
         memo("EtykietaStad", x, 52, 120, ROW, "Stada:", label),
@@ -335,14 +343,7 @@ def add_control_title(bands):
         line("LiniaTytulu", 76, width),
     ]
     bands.add("TfrxReportTitle", "ReportTitle1", 82, objects)
-    half = width / 2
-    owner = f"Producent: {field(PRODUCER, 'PRODUCENT')} {field(PRODUCER, 'NAZWA')}"
-    header = [
-        memo("TytulStrony", 0, 0, half, ROW, "Lista kontrolna", {**label, **BOLD}),
-        memo("ProducentStrony", half, 0, half, ROW, owner, {**label, "HAlign": "haRight"}),
-        line("LiniaNaglowkaStrony", 18, width),
-    ]
-    bands.add("TfrxPageHeader", "PageHeader1", 24, header, PrintOnFirstPage="False")
+    add_page_header(bands, "Lista kontrolna", PRODUCER_OWNER)
 
 
 def control_columns(width):
@@ -385,16 +386,9 @@ COMPARED_GROUPS = "frxDBDataset2"
 def add_comparison_title(bands):
     """The producer and, for downloads A and B, the number, "Halvarn na dzień" and the time of download."""
     width = bands.width
-    label = {**BODY, **CENTRED}
-    value = {**label, **BOLD}
+    label, value = TITLE_LABEL, TITLE_VALUE
     x = width - 520
-    objects = [
-        memo("Tytul", 0, 0, width, 26, "Porównanie pobrań",
-             {"Font.Name": "Arial", "Font.Height": "-19", **BOLD, "HAlign": "haCenter", **CENTRED}),
-        memo("EtykietaProducent", 0, 34, 110, ROW, "Numer producenta:", label),
-        memo("Producent", 110, 34, 300, ROW, field(COMPARISON, "PRODUCENT"), value),
-        memo("EtykietaNazwa", 0, 52, 110, ROW, "Nazwa:", label),
-        memo("Nazwa", 110, 52, 300, ROW, field(COMPARISON, "NAZWA"), value),
+    objects = title_and_producer(width, "Porównanie pobrań", COMPARISON) + [
         memo("Zmiany", 0, 70, 500, ROW, f"Przybyło: {field(COMPARISON, 'PRZYBYLO')}, ubyło: "
              f"{field(COMPARISON, 'UBYLO')}, zmiana grupy: {field(COMPARISON, 'ZMIANA_GRUPY')}", label),
     ]
@@ -410,15 +404,9 @@ def add_comparison_title(bands):
         ]
     objects.append(line("LiniaTytulu", 94, width))
     bands.add("TfrxReportTitle", "ReportTitle1", 100, objects)
-    half = width / 2
     owner = (f"Producent: {field(COMPARISON, 'PRODUCENT')} {field(COMPARISON, 'NAZWA')} – "
              f"A: {field(COMPARISON, 'DATA_A')}, B: {field(COMPARISON, 'DATA_B')}")
-    header = [
-        memo("TytulStrony", 0, 0, half, ROW, "Porównanie pobrań", {**label, **BOLD}),
-        memo("ProducentStrony", half, 0, half, ROW, owner, {**label, "HAlign": "haRight"}),
-        line("LiniaNaglowkaStrony", 18, width),
-    ]
-    bands.add("TfrxPageHeader", "PageHeader1", 24, header, PrintOnFirstPage="False")
+    add_page_header(bands, "Porównanie pobrań", owner)
 
 
 def compared_animal_columns(width):
