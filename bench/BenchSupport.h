@@ -1,6 +1,6 @@
 #pragma once
 
-#include "framework/OperationHost.h"
+#include "framework/SilentHost.h"
 
 #include <QElapsedTimer>
 #include <QString>
@@ -11,20 +11,12 @@
 
 using namespace Qt::StringLiterals;
 
-// A host that hears nothing, answers No and shows the summary rows it is given.
-class SilentHost : public OperationHost {
+// A host that hears nothing, answers No, prints every herd and shows the summary rows it is given.
+class BenchHost : public SilentHost {
 public:
     std::vector<int> rows;
-    void statusModeChanged(bool, bool) override {}
-    void statusTextChanged(StatusPanel, const QString&) override {}
-    void progressChanged(int, int, int) override {}
-    void memoAppended(Memo, const QString&) override {}
-    void memoCleared(Memo) override {}
-    void showMessage(const QString&, const QString&, MessageIcon) override {}
-    bool askYesNo(const QString&, const QString&) override { return false; }
     std::optional<QString> askHerd() override { return u"ALL"_s; }
     std::vector<int> summaryRowsInDisplayOrder() override { return rows; }
-    void openWithDesktop(const QString&) override {}
 };
 
 inline qint64 CpuNanoseconds()

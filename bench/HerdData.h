@@ -51,7 +51,7 @@ inline void FillHerds(WorkingTables& tables, int herds, int animalsPerHerd)
 struct PrintableHerds {
     QTemporaryDir folder;
     DataFolder data{folder.path()};
-    SilentHost host;
+    BenchHost host;
     HalvarnSession session{data, host};
     TdmulmxDataBase_FR3 reports;
     PrintCommands prints{session, reports};

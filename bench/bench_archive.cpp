@@ -58,7 +58,7 @@ int main(int argc, char* argv[])
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
     QTemporaryDir folder;
-    SilentHost host;
+    BenchHost host;
     {
         HalvarnSession session(DataFolder(folder.path()), host);
         FillSession(session, 20'000);

@@ -4,6 +4,7 @@
 // runs left identical tables, memos and messages.
 #include "core/session/HalvarnSession.h"
 #include "core/session/SessionDump.h"
+#include "framework/SilentHost.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
 #include "registry/sim/RegistrySimulator.h"
@@ -16,22 +17,15 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-class QuietHost : public OperationHost {
+class QuietHost : public SilentHost {
 public:
     std::vector<ShownMessage> messages;
-    void statusModeChanged(bool, bool) override {}
-    void statusTextChanged(StatusPanel, const QString&) override {}
-    void progressChanged(int, int, int) override {}
-    void memoAppended(Memo, const QString&) override {}
-    void memoCleared(Memo) override {}
     void showMessage(const QString& caption, const QString& text, MessageIcon) override
     {
         messages.push_back({caption, text});
     }
     bool askYesNo(const QString&, const QString&) override { return true; }
     std::optional<QString> askHerd() override { return u"ALL"_s; }
-    std::vector<int> summaryRowsInDisplayOrder() override { return {}; }
-    void openWithDesktop(const QString&) override {}
 };
 
 struct Run {

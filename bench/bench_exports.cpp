@@ -43,7 +43,7 @@ int main(int argc, char* argv[])
     QCoreApplication app(argc, argv);
     constexpr int Animals = 60000;
     QTemporaryDir folder;
-    SilentHost host;
+    BenchHost host;
     HalvarnSession session(DataFolder(folder.path()), host);
     DataFolder(folder.path()).prepare();
     session.ClearAllData();

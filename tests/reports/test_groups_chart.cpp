@@ -6,6 +6,7 @@
 #include "reports/print/PrintCommands.h"
 #include "reports/print/TdmulmxDataBase_FR3.h"
 #include "support/Files.h"
+#include "support/HerdSections.h"
 #include "support/RecordingHost.h"
 
 #include <QTemporaryDir>
@@ -63,25 +64,13 @@ QStringList Totals(const GroupsChartData& data)
 // two herd sections, each on its own page.
 QByteArray GroupsTemplate()
 {
-    QByteArray xml = R"(<?xml version="1.0" encoding="utf-8"?>
+    return R"(<?xml version="1.0" encoding="utf-8"?>
 <TfrxReport><TfrxReportPage Name="Page1" PaperWidth="210" PaperHeight="297" LeftMargin="10" RightMargin="10" TopMargin="10" BottomMargin="10">
 <TfrxPageHeader Name="PageHeader1" Top="0" Height="20"><TfrxMemoView Name="H" Width="718" Height="18" Text="NAGŁÓWEK"/></TfrxPageHeader>
-<TfrxMasterData Name="MasterDataOgolem" Top="30" Height="16" DataSet="frxDBDataset29">
-<TfrxMemoView Name="O" Width="300" Height="16" Text="O [frxDBDataset29.&quot;GT&quot;]"/></TfrxMasterData>
-)";
-    for (int n = 1; n <= 2; ++n)
-        xml += QStringLiteral(R"(<TfrxHeader Name="Header%1" Top="%2" Height="20" StartNewPage="True">
-<TfrxMemoView Name="MV%1" Width="300" Height="18" Text="Stado"/></TfrxHeader>
-<TfrxMasterData Name="MasterData%1" Top="%3" Height="16" DataSet="frxDBDataset%1">
-<TfrxMemoView Name="R%1" Width="300" Height="16" Text="R [frxDBDataset%1.&quot;GT&quot;]"/></TfrxMasterData>
-)")
-                   .arg(n)
-                   .arg(40 + n * 40)
-                   .arg(60 + n * 40)
-                   .toUtf8();
-    return xml + "<TfrxPageFooter Name=\"PageFooter1\" Top=\"400\" Height=\"20\">"
-                 "<TfrxMemoView Name=\"S\" Left=\"518\" Width=\"200\" Height=\"18\" HAlign=\"haRight\""
-                 " Text=\"Strona [Page#] z [TotalPages#]\"/></TfrxPageFooter></TfrxReportPage></TfrxReport>";
+)" + HerdSections(u"GT"_s, 2) +
+           "<TfrxPageFooter Name=\"PageFooter1\" Top=\"400\" Height=\"20\">"
+           "<TfrxMemoView Name=\"S\" Left=\"518\" Width=\"200\" Height=\"18\" HAlign=\"haRight\""
+           " Text=\"Strona [Page#] z [TotalPages#]\"/></TfrxPageFooter></TfrxReportPage></TfrxReport>";
 }
 } // namespace
 

@@ -178,7 +178,6 @@ void ReadAnimals(QSqlDatabase& database, qint64 id, HalvarnSession& session)
     QSqlQuery query =
         Select(database, u"SELECT %1 FROM animals WHERE download = ? ORDER BY row"_s.arg(columns.join(u',')), id);
     const int answers = 1 + summary.fieldCount();
-    const int number = summary.requireField(u"NumerIdentyfikacyjny");
     const std::vector<int> herdFields = HerdFieldsInSummary(tables);
     const int rozpatrzono = tables.mdRZ(1).requireField(u"Rozpatrzono");
     const int gdzie = tables.mdRZ(1).requireField(u"GdzieRozpatrzono");
@@ -195,9 +194,7 @@ void ReadAnimals(QSqlDatabase& database, qint64 id, HalvarnSession& session)
         herd.setValue(rozpatrzono, FromColumn(FieldType::String, query.value(answers)));
         herd.setValue(gdzie, FromColumn(FieldType::String, query.value(answers + 1)));
         herd.post();
-        AnimalAnswer answer = AnswerAt(query, answers, slot);
-        session.useCodes.insert(AsString(summary.at(row, number)), {answer.useType, answer.useDirection});
-        session.answers.push_back(std::move(answer));
+        session.answers.push_back(AnswerAt(query, answers, slot));
     }
 }
 

@@ -93,21 +93,6 @@ qint64 InsertDownload(QSqlDatabase& database, HalvarnSession& session)
     return query.lastInsertId().toLongLong();
 }
 
-void WriteProducerHeader(WorkingTables& tables, const QSqlQuery& download)
-{
-    Table& producer = tables.mdProducent();
-    tables.ClearTable(producer);
-    producer.setReadOnly(false);
-    producer.append();
-    producer.setValue(u"PRODUCENT", download.value(u"producer"_s).toString());
-    producer.setValue(u"DATA1", DateFromColumn(download.value(u"state_date"_s)));
-    producer.setValue(u"DATA2", DateFromColumn(download.value(u"download_date"_s)));
-    producer.setValue(u"DATA3", DateFromColumn(download.value(u"reference_date"_s)));
-    producer.setValue(u"NAZWA", download.value(u"name"_s).toString());
-    producer.post();
-    tables.restoreReadOnly(producer);
-}
-
 void ReadDownloadHeader(HalvarnSession& session, const QSqlQuery& download)
 {
     SessionInputs& inputs = session.inputs;
@@ -124,7 +109,9 @@ void ReadDownloadHeader(HalvarnSession& session, const QSqlQuery& download)
     session.countingLinesFrom = countingLines.isNull() ? -1 : countingLines.toInt();
     session.herdCount = download.value(u"herd_count"_s).toInt();
     session.archivedAt = QDateTime::fromString(download.value(u"downloaded_at"_s).toString(), Qt::ISODate);
-    WriteProducerHeader(session.tables(), download);
+    session.tables().WriteProducerHeader({inputs.producerNumber, inputs.stateDate,
+                                          DateFromColumn(download.value(u"download_date"_s)), inputs.referenceDate,
+                                          inputs.producerName});
     for (const QString& line : LinesFromText(download.value(u"errors"_s).toString()))
         session.appendError(line);
 }

@@ -1,25 +1,11 @@
 #include "core/archive/DownloadSnapshot.h"
 
 #include "core/session/HalvarnSession.h"
+#include "framework/SilentHost.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
-// The host of a session nobody sees: it hears nothing and answers No.
-class SilentHost : public OperationHost {
-public:
-    void statusModeChanged(bool, bool) override {}
-    void statusTextChanged(StatusPanel, const QString&) override {}
-    void progressChanged(int, int, int) override {}
-    void memoAppended(Memo, const QString&) override {}
-    void memoCleared(Memo) override {}
-    void showMessage(const QString&, const QString&, MessageIcon) override {}
-    bool askYesNo(const QString&, const QString&) override { return false; }
-    std::optional<QString> askHerd() override { return std::nullopt; }
-    std::vector<int> summaryRowsInDisplayOrder() override { return {}; }
-    void openWithDesktop(const QString&) override {}
-};
-
 std::vector<SnapshotAnimal> AnimalsOf(const Table& animals)
 {
     const int tag = animals.requireField(u"NumerIdentyfikacyjny");

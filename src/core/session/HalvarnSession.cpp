@@ -110,7 +110,6 @@ void HalvarnSession::ClearAllData()
     SetStatusText(StatusPanel::Step, u"Czyszczenie danych"_s);
     errors_.clear();
     loaded_.clear();
-    useCodes.clear();
     answers.clear();
     countedLimits.reset();
     countingLinesFrom = -1;

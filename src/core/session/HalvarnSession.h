@@ -9,7 +9,6 @@
 
 #include <QDate>
 #include <QDateTime>
-#include <QHash>
 #include <QStringList>
 
 #include <optional>
@@ -26,15 +25,6 @@ struct SessionInputs {
     // The maximum numbers the producer declared, for a producer taken from the
     // producer list; none for one typed by hand, whose counts are not checked.
     std::optional<DeclaredLimits> declaredLimits;
-};
-
-// An animal's use type and use direction as the registry's codes; the tables
-// hold the descriptions, a change notice needs the codes.
-struct UseCodes {
-    QString useType;
-    QString useDirection;
-
-    bool operator==(const UseCodes&) const = default;
 };
 
 struct ProgressBar {
@@ -63,10 +53,11 @@ public:
     int herdCount = 0;
     bool Loading = false;
     bool DataLoaded = false;
-    WelfareFlags halvarnFlags;         // the ticks as the running operation read them
-    QDate referenceDate;               // the reference date the last download used
-    QHash<QString, UseCodes> useCodes; // by ear tag, as the last download read them
-    std::vector<AnimalAnswer> answers; // one per row of mdRZ00, in its order
+    WelfareFlags halvarnFlags; // the ticks as the running operation read them
+    QDate referenceDate;       // the reference date the last download used
+    // What the registry said of each animal, one per row of mdRZ00, in its order;
+    // among it the codes of use type and direction a change notice sends (the tables hold descriptions).
+    std::vector<AnimalAnswer> answers;
     // The declared numbers the loaded data was checked against; none for a producer typed by hand.
     std::optional<DeclaredLimits> countedLimits;
     int countingLinesFrom = -1; // where the lines of the counting start in the errors; -1 before one

@@ -63,6 +63,21 @@ void WorkingTables::ClearTable(Table& table)
     restoreReadOnly(table);
 }
 
+void WorkingTables::WriteProducerHeader(const ProducerHeader& header)
+{
+    Table& producer = mdProducent();
+    producer.setReadOnly(false);
+    producer.removeAll();
+    producer.append();
+    producer.setValue(u"PRODUCENT", header.producer);
+    producer.setValue(u"DATA1", header.stateDate);
+    producer.setValue(u"DATA2", header.downloadDate);
+    producer.setValue(u"DATA3", header.referenceDate);
+    producer.setValue(u"NAZWA", header.name);
+    producer.post();
+    restoreReadOnly(producer);
+}
+
 void WorkingTables::SetMarked(int row, bool marked)
 {
     Table& animals = mdRZ00();

@@ -17,6 +17,15 @@ struct THerdSlot {
     QString Incomplete;   // why the herd ended early, as its line in mErrors; empty when read whole
 };
 
+// The one row of mdProducent: the header of every print.
+struct ProducerHeader {
+    QString producer;
+    QDate stateDate;     // DATA1
+    QDate downloadDate;  // DATA2
+    QDate referenceDate; // DATA3
+    QString name;
+};
+
 // All working tables of the main window and the 21 herd slots bound to them.
 class WorkingTables {
 public:
@@ -43,6 +52,8 @@ public:
     // unless the table is mdRZ00, which stays writable by design.
     void ClearTable(Table& table);
     void MarkAnimalReviewed(Table& table, const QString& rozpatrzono, const QString& gdzie);
+    // mdProducent emptied and given this one row.
+    void WriteProducerHeader(const ProducerHeader& header);
     // Ticks or unticks ("ZAZNACZONE") one animal of mdRZ00, as the summary grid's "Z" does.
     void SetMarked(int row, bool marked);
     void restoreReadOnly(Table& table) { table.setReadOnly(&table != &mdRZ00()); }

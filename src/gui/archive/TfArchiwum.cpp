@@ -43,8 +43,7 @@ QPushButton* NamedButton(const char* name, const QString& caption, QWidget* pare
 } // namespace
 
 TfArchiwum::TfArchiwum(const QString& archivePath, QWidget* parent, UserPrompts* prompts)
-    : QDialog(parent), ownPrompts_(prompts ? nullptr : std::make_unique<MessageBoxPrompts>(this)),
-      prompts_(prompts ? prompts : ownPrompts_.get()), archive_(archivePath)
+    : QDialog(parent), prompts_(prompts, this), archive_(archivePath)
 {
     setObjectName(u"fArchiwum"_s);
     setWindowTitle(u"Archiwum pobrań"_s);

@@ -2,6 +2,7 @@
 
 #include "core/archive/DownloadArchive.h"
 #include "framework/UserPrompts.h"
+#include "gui/dialogs/MessageBoxPrompts.h"
 
 #include <QDialog>
 
@@ -34,8 +35,7 @@ private:
     void showDownloads();
     void updateButtons();
 
-    std::unique_ptr<UserPrompts> ownPrompts_; // only when the caller gave none
-    UserPrompts* prompts_;
+    DialogPrompts prompts_;
     DownloadArchive archive_;
     std::vector<ArchivedDownload> downloads_;
     QTableWidget* grid_ = nullptr;

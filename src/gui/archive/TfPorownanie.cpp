@@ -69,9 +69,7 @@ public:
 
 TfPorownanie::TfPorownanie(const DataFolder& folder, TdmulmxDataBase_FR3& reports, PrintHandler print, QWidget* parent,
                            UserPrompts* prompts)
-    : QDialog(parent), folder_(folder), reports_(reports), print_(std::move(print)),
-      ownPrompts_(prompts ? nullptr : std::make_unique<MessageBoxPrompts>(this)),
-      prompts_(prompts ? prompts : ownPrompts_.get())
+    : QDialog(parent), folder_(folder), reports_(reports), print_(std::move(print)), prompts_(prompts, this)
 {
     setObjectName(u"fPorownanie"_s);
     setWindowTitle(u"Porównanie pobrań"_s);

@@ -3,6 +3,7 @@
 #include "core/archive/DownloadArchive.h"
 #include "framework/DataFolder.h"
 #include "framework/UserPrompts.h"
+#include "gui/dialogs/MessageBoxPrompts.h"
 
 #include <QDialog>
 
@@ -64,8 +65,7 @@ private:
     TdmulmxDataBase_FR3& reports_;
     PrintHandler print_;
     ExportedHandler exported_;
-    std::unique_ptr<UserPrompts> ownPrompts_; // only when the caller gave none
-    UserPrompts* prompts_;
+    DialogPrompts prompts_;
     std::vector<ArchivedDownload> downloads_; // of producers with two or more, newest first
     std::unique_ptr<DownloadComparison> comparison_;
     std::unique_ptr<ComparisonPrint> printed_; // the tables the print job reads

@@ -2,6 +2,8 @@
 
 #include "framework/UserPrompts.h"
 
+#include <memory>
+
 class QWidget;
 
 // Messages and Yes/No questions as message boxes over a window.
@@ -14,4 +16,20 @@ public:
 
 private:
     QWidget* parent_;
+};
+
+// The prompts a dialog speaks through: the caller's (tests answer there), else
+// message boxes over the dialog itself.
+class DialogPrompts {
+public:
+    DialogPrompts(UserPrompts* given, QWidget* dialog)
+        : own_(given ? nullptr : std::make_unique<MessageBoxPrompts>(dialog)), prompts_(given ? *given : *own_)
+    {}
+
+    UserPrompts& get() const { return prompts_; }
+    UserPrompts* operator->() const { return &prompts_; }
+
+private:
+    std::unique_ptr<UserPrompts> own_; // only when the caller gave none
+    UserPrompts& prompts_;
 };

@@ -30,15 +30,10 @@ QPushButton* ActionButton(const QString& caption, const QString& objectName)
     return button;
 }
 
-UserPrompts& PromptsOf(UserPrompts* given, const std::unique_ptr<UserPrompts>& own)
-{
-    return given ? *given : *own;
-}
 } // namespace
 
 TfGET_KNTRH_LIST::TfGET_KNTRH_LIST(const DataFolder& folder, qint32 lastChosenId, QWidget* parent, UserPrompts* prompts)
-    : QDialog(parent), ownPrompts_(prompts ? nullptr : std::make_unique<MessageBoxPrompts>(this)),
-      list_(folder, PromptsOf(prompts, ownPrompts_)),
+    : QDialog(parent), prompts_(prompts, this), list_(folder, prompts_.get()),
       detailsEditor_([this](const ProducerEntry& start) { return AskProducerDetails(start, this); })
 {
     setObjectName(u"TfGET_KNTRH_LIST"_s);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/producers/ProducerList.h"
+#include "gui/dialogs/MessageBoxPrompts.h"
 
 #include <QDialog>
 
@@ -52,7 +53,7 @@ private:
     void goToId(qint32 id);
     void updateButtons();
 
-    std::unique_ptr<UserPrompts> ownPrompts_; // only when the caller gave none
+    DialogPrompts prompts_;
     ProducerList list_;
     QStandardItemModel* model_ = nullptr;
     QTableView* grid_ = nullptr;

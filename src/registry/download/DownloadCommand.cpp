@@ -123,7 +123,8 @@ DownloadOutcome DownloadCommand::download()
     DownloadOutcome outcome = DownloadOutcome::Stopped;
     try {
         normaliseDates();
-        writeProducerHeader();
+        session_.tables().WriteProducerHeader({session_.ProducerNumber, session_.inputs.stateDate, QDate::currentDate(),
+                                               session_.inputs.referenceDate, session_.inputs.producerName});
         OwningList<TStadoClass> herds;
         if (readHerdList(herds)) {
             const AgeLimits limits = AgeLimits::read(IniFile(session_.dataFolder().settingsFile()));
@@ -152,22 +153,6 @@ void DownloadCommand::normaliseDates()
     stateDate_ = ToDateTime(session_.inputs.stateDate);
     referenceDate_ = ToDateTime(session_.inputs.referenceDate);
     session_.referenceDate = session_.inputs.referenceDate;
-}
-
-void DownloadCommand::writeProducerHeader()
-{
-    WorkingTables& tables = session_.tables();
-    Table& producer = tables.mdProducent();
-    tables.ClearTable(producer);
-    producer.setReadOnly(false);
-    producer.append();
-    producer.setValue(u"PRODUCENT", session_.ProducerNumber);
-    producer.setValue(u"DATA1", session_.inputs.stateDate);
-    producer.setValue(u"DATA2", QDate::currentDate());
-    producer.setValue(u"DATA3", session_.inputs.referenceDate);
-    producer.setValue(u"NAZWA", session_.inputs.producerName);
-    producer.post();
-    tables.restoreReadOnly(producer);
 }
 
 bool DownloadCommand::testBranch() const
@@ -319,7 +304,6 @@ QString DownloadCommand::readAnimals(const OwningList<TZZIInfoClass>& animals, H
         session_.SetStatusText(StatusPanel::Step, u"Rozczytywanie danych: "_s + number);
         const bool czyMatka = CountedMother(answer, age);
         writer.write(animal, czyMatka, age, herd.code, herd.slot);
-        session_.useCodes.insert(number, {animal.typUzytkowy.kod, animal.kierunekUzytkownia.kod});
         AnimalFacts facts{answer.sexCode, answer.useType, answer.useDirection, age, true, [this, &calf, &calfBirths] {
                               return calf == calfBirths.cend() ? 0 : AgeInMonths(*calf, referenceDate_);
                           }};

@@ -39,7 +39,6 @@ private:
 
     DownloadOutcome download();
     void normaliseDates();
-    void writeProducerHeader();
     bool readHerdList(OwningList<TStadoClass>& herds);
     void readHerd(const TStadoClass& herd, int index, WelfareAnalysis& analysis);
     bool claimSlot(const HerdRead& herd);

@@ -150,9 +150,10 @@ std::vector<UseChangeNotice> UseChangeCommand::collect(const QString& code) cons
         if (!AsBoolean(animals.at(row, mark)))
             continue;
         const QString animal = AsString(animals.at(row, number));
-        const UseCodes codes = session_.useCodes.value(animal);
+        const std::size_t index = static_cast<std::size_t>(row);
+        const AnimalAnswer said = index < session_.answers.size() ? session_.answers[index] : AnimalAnswer{};
         notices.push_back({row, AsString(animals.at(row, herd)), animal, AsString(animals.at(row, holding)),
-                           codes.useType, codes.useDirection, codes.useType, code});
+                           said.useType, said.useDirection, said.useType, code});
     }
     std::stable_sort(notices.begin(), notices.end(),
                      [](const UseChangeNotice& a, const UseChangeNotice& b) { return a.herd < b.herd; });

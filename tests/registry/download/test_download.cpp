@@ -572,8 +572,10 @@ void TestDownload::theTestBranchSettingMovesEveryRequest()
     QCOMPARE(d.requestsFor("/api/prod/"), 0);
     QCOMPARE(d.requestsFor("/api/test/"), static_cast<int>(d.requests.size()) - 1); // all but the log-in
     // the registry's codes of use type and direction stay beside the descriptions in the tables
-    QCOMPARE(d.session.useCodes.size(), 6);
-    QCOMPARE(d.session.useCodes.value(u"PL101"_s).useDirection, u"ML"_s);
+    QCOMPARE(d.session.answers.size(), 6u);
+    Table& animals = d.session.tables().mdRZ00();
+    QVERIFY(animals.locate(animals.requireField(u"NumerIdentyfikacyjny"), u"PL101"_s));
+    QCOMPARE(d.session.answers[static_cast<std::size_t>(animals.recNo())].useDirection, u"ML"_s);
 }
 
 void TestDownload::recountFollowsTheSingleAnimalAnswers_data()

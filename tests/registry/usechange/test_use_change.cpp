@@ -96,7 +96,7 @@ struct UseChange {
         animals.setValue(u"ZAZNACZONE", marked);
         animals.post();
         session.tables().restoreReadOnly(animals);
-        session.useCodes.insert(tag, {type, direction});
+        session.answers.push_back({1, u"XX"_s, type, direction, false, std::nullopt, std::nullopt});
     }
     void run(const ScriptedRegistry& registry)
     {
@@ -522,7 +522,7 @@ void TestUseChange::endToEndAgainstTheSimulator()
     for (const QString& tag : chosen) {
         QVERIFY(animals.locate(animals.requireField(u"NumerIdentyfikacyjny"), tag));
         QCOMPARE(AsString(animals.value(u"KierunekUzytkowania")), u"Mięsny"_s);
-        QCOMPARE(c.session.useCodes.value(tag).useDirection, u"MI"_s);
+        QCOMPARE(c.session.answers[static_cast<std::size_t>(animals.recNo())].useDirection, u"MI"_s);
     }
 }
 

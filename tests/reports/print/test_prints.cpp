@@ -2,6 +2,7 @@
 #include "reports/print/PrintCommands.h"
 #include "reports/print/TdmulmxDataBase_FR3.h"
 #include "support/Files.h"
+#include "support/HerdSections.h"
 #include "support/RecordingHost.h"
 
 #include <QTemporaryDir>
@@ -11,23 +12,11 @@ namespace {
 // One overall section and three herd sections, each herd starting a new page.
 QByteArray HerdTemplate()
 {
-    QByteArray xml = R"(<?xml version="1.0" encoding="utf-8"?>
+    return R"(<?xml version="1.0" encoding="utf-8"?>
 <TfrxReport><TfrxReportPage Name="Page1">
 <TfrxReportTitle Name="Title" Top="0" Height="20"><TfrxMemoView Name="T" Width="300" Height="18" Text="TYTUŁ"/></TfrxReportTitle>
-<TfrxMasterData Name="MasterDataOgolem" Top="30" Height="16" DataSet="frxDBDataset29">
-<TfrxMemoView Name="O" Width="300" Height="16" Text="O [frxDBDataset29.&quot;NumerIdentyfikacyjny&quot;]"/></TfrxMasterData>
-)";
-    for (int n = 1; n <= 3; ++n)
-        xml += QStringLiteral(R"(<TfrxHeader Name="Header%1" Top="%2" Height="20" StartNewPage="True">
-<TfrxMemoView Name="MV%1" Width="300" Height="18" Text="Stado"/></TfrxHeader>
-<TfrxMasterData Name="MasterData%1" Top="%3" Height="16" DataSet="frxDBDataset%1">
-<TfrxMemoView Name="R%1" Width="300" Height="16" Text="R [frxDBDataset%1.&quot;NumerIdentyfikacyjny&quot;]"/></TfrxMasterData>
-)")
-                   .arg(n)
-                   .arg(40 + n * 40)
-                   .arg(60 + n * 40)
-                   .toUtf8();
-    return xml + "</TfrxReportPage></TfrxReport>";
+)" + HerdSections(u"NumerIdentyfikacyjny"_s, 3) +
+           "</TfrxReportPage></TfrxReport>";
 }
 
 QByteArray FilteredTemplate()
