@@ -27,13 +27,6 @@ const DeclaredRow& RowOf(DeclaredGroup group)
 {
     return Rows[static_cast<int>(group)];
 }
-
-// A block's first row counts in "Ilosc", the rows under it in "IloscPom"; a row uses one of the two.
-int CountAt(const Table& groups, int row)
-{
-    return AsInteger(groups.at(row, groups.requireField("Ilosc"))) +
-           AsInteger(groups.at(row, groups.requireField("IloscPom")));
-}
 } // namespace
 
 int DeclaredGroupRow(DeclaredGroup group)
@@ -61,7 +54,7 @@ QStringList ApplyDeclaredLimits(Table& overallGroups, const DeclaredLimits& limi
         overallGroups.edit();
         overallGroups.setValue(limitField, qint32(limit));
         overallGroups.post();
-        const int count = CountAt(overallGroups, overallGroups.recNo());
+        const int count = GroupRowCount(overallGroups, overallGroups.recNo());
         if (count > limit)
             exceeded.append(
                 u"Przekroczono zadeklarowaną liczbę: %1 — jest %2, zadeklarowano %3"_s.arg(DeclaredGroupName(group))
@@ -78,7 +71,7 @@ bool OverLimit(const Table& groups, int row)
     if (limitField < 0)
         return false;
     const int limit = AsInteger(groups.at(row, limitField));
-    return limit > 0 && CountAt(groups, row) > limit;
+    return limit > 0 && GroupRowCount(groups, row) > limit;
 }
 
 int CountOverLimit(const Table& groups)

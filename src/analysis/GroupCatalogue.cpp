@@ -125,3 +125,9 @@ void RebuildGroupCatalogue(WorkingTables& tables, const AgeLimits& limits, Welfa
         table.enableControls();
     }
 }
+
+int GroupRowCount(const Table& groups, int row)
+{
+    return AsInteger(groups.at(row, groups.requireField(u"Ilosc"))) +
+           AsInteger(groups.at(row, groups.requireField(u"IloscPom")));
+}

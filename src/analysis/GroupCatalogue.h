@@ -7,6 +7,7 @@
 
 #include <vector>
 
+class Table;
 class WorkingTables;
 
 enum class GroupBlock { SucklerCows, Fattening, Dairy };
@@ -78,3 +79,7 @@ std::vector<GroupRow> CatalogueRows(const AgeLimits& limits, WelfareFlags flags)
 
 // Writes the catalogue, with zero counts, into every one of the 21 group tables.
 void RebuildGroupCatalogue(WorkingTables& tables, const AgeLimits& limits, WelfareFlags flags);
+
+// The animals a group row counts: "Ilosc" plus "IloscPom" (a block's first row
+// counts in the one, the rows under it in the other).
+int GroupRowCount(const Table& groups, int row);

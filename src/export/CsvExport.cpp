@@ -32,13 +32,12 @@ const char* const Fields[] = {"Rasa",
                               "NumerIdentyfikacyjnyDawczyni",
                               "NumerIdentyfikacyjnyDawcy",
                               "IloscOznakowan"};
+} // namespace
 
-// Quotation marks inside a value are written as they are.
-QString Quoted(const QString& value)
+QString CsvValue(const QString& value)
 {
     return u'"' + value + u"\";"_s;
 }
-} // namespace
 
 QByteArray SummaryCsv(Table& summary, const std::vector<int>& rows, const QString& producer)
 {
@@ -56,9 +55,9 @@ QByteArray SummaryCsv(Table& summary, const std::vector<int>& rows, const QStrin
         const auto found = firstRowOf.constFind(AsString(summary.at(row, number)));
         if (found != firstRowOf.cend())
             summary.moveTo(*found);
-        text += Quoted(QString::number(++line)) + Quoted(producer);
+        text += CsvValue(QString::number(++line)) + CsvValue(producer);
         for (int field : fields)
-            text += Quoted(DisplayText(summary.value(field)));
+            text += CsvValue(DisplayText(summary.value(field)));
         text += u"\r\n"_s;
     }
     return ToCp1250(text);

@@ -12,3 +12,7 @@ class Table;
 // by ";". The rows only choose animals and their order; values come from the
 // mdRZ00 record with the row's identification number.
 QByteArray SummaryCsv(Table& summary, const std::vector<int>& rows, const QString& producer);
+
+// One value of the program's CSV files: quoted and followed by ";"; quotation
+// marks inside it are written as they are.
+QString CsvValue(const QString& value);

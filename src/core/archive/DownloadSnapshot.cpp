@@ -1,5 +1,6 @@
 #include "core/archive/DownloadSnapshot.h"
 
+#include "analysis/GroupCatalogue.h"
 #include "core/session/HalvarnSession.h"
 #include "framework/SilentHost.h"
 
@@ -30,12 +31,10 @@ std::vector<SnapshotGroup> GroupsOf(const Table& groups)
 {
     const int id = groups.requireField(u"ID");
     const int caption = groups.requireField(u"GT");
-    const int count = groups.requireField(u"Ilosc");
-    const int extra = groups.requireField(u"IloscPom");
     std::vector<SnapshotGroup> result;
     for (int row = 0; row < groups.recordCount(); ++row)
-        result.push_back({AsInteger(groups.at(row, id)), AsString(groups.at(row, caption)),
-                          AsInteger(groups.at(row, count)) + AsInteger(groups.at(row, extra))});
+        result.push_back(
+            {AsInteger(groups.at(row, id)), AsString(groups.at(row, caption)), GroupRowCount(groups, row)});
     return result;
 }
 } // namespace

@@ -1,7 +1,7 @@
 #include "gui/archive/TfPorownanie.h"
 
-#include "core/archive/ComparisonExport.h"
 #include "core/archive/DownloadComparison.h"
+#include "export/ComparisonExport.h"
 #include "framework/SafeFile.h"
 #include "gui/archive/ComparisonGrids.h"
 #include "gui/dialogs/MessageBoxPrompts.h"

@@ -1,5 +1,6 @@
 #include "reports/chart/GroupsChartData.h"
 
+#include "analysis/GroupCatalogue.h"
 #include "core/tables/WorkingTables.h"
 
 #include <QHash>
@@ -63,12 +64,6 @@ QSet<QString> Repeated(const QStringList& labels)
     return repeated;
 }
 } // namespace
-
-int GroupRowCount(const Table& groups, int row)
-{
-    return AsInteger(groups.at(row, groups.requireField(u"Ilosc"))) +
-           AsInteger(groups.at(row, groups.requireField(u"IloscPom")));
-}
 
 GroupsChartData BuildGroupsChartData(const WorkingTables& tables)
 {

@@ -49,10 +49,6 @@ struct GroupsChartData {
     bool operator==(const GroupsChartData&) const = default;
 };
 
-// A group row's count: "Ilosc" plus "IloscPom" (a block's first row counts in
-// the one, the rows under it in the other).
-int GroupRowCount(const Table& groups, int row);
-
 // The groups of mdGT00 that count an animal, by every herd slot shown; empty
 // when nothing is counted or no herd is shown.
 GroupsChartData BuildGroupsChartData(const WorkingTables& tables);

@@ -1,6 +1,6 @@
-#include "core/archive/ComparisonExport.h"
 #include "core/archive/DemoDownload.h"
 #include "core/archive/DownloadComparison.h"
+#include "export/ComparisonExport.h"
 #include "framework/Cp1250.h"
 #include "gui/archive/TfPorownanie.h"
 #include "reports/print/ComparisonPrint.h"

@@ -1,5 +1,5 @@
-#include "ComparisonFixture.h"
-#include "core/archive/ComparisonExport.h"
+#include "core/archive/ComparisonFixture.h"
+#include "export/ComparisonExport.h"
 #include "framework/Cp1250.h"
 #include "framework/DataFolder.h"
 #include "support/Files.h"

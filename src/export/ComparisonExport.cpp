@@ -1,6 +1,7 @@
-#include "core/archive/ComparisonExport.h"
+#include "export/ComparisonExport.h"
 
 #include "core/archive/DownloadComparison.h"
+#include "export/CsvExport.h"
 #include "framework/Cp1250.h"
 #include "framework/DataFolder.h"
 #include "framework/SafeFile.h"
@@ -15,17 +16,11 @@ const QString AnimalsTitle = u"Zmiana;Stado;NrZwierzęcia;Płeć;DataUrodzenia;W
 const QString GroupsTitle = u"ID;Grupatechnologiczna;IloscA;IloscB;Różnica;"_s;
 const QString LineEnd = u"\r\n"_s;
 
-// Quotation marks inside a value are written as they are, as in the summary CSV.
-QString Quoted(const QString& value)
-{
-    return u'"' + value + u"\";"_s;
-}
-
 QString Line(const QStringList& values)
 {
     QString line;
     for (const QString& value : values)
-        line += Quoted(value);
+        line += CsvValue(value);
     return line + LineEnd;
 }
 
