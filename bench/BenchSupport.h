@@ -1,6 +1,6 @@
 #pragma once
 
-#include "framework/SilentHost.h"
+#include "framework/OperationHost.h"
 
 #include <QElapsedTimer>
 #include <QString>
@@ -10,6 +10,21 @@
 #include <vector>
 
 using namespace Qt::StringLiterals;
+
+// A host that hears nothing, shows nothing and answers No.
+class SilentHost : public OperationHost {
+public:
+    void statusModeChanged(bool, bool) override {}
+    void statusTextChanged(StatusPanel, const QString&) override {}
+    void progressChanged(int, int, int) override {}
+    void memoAppended(Memo, const QString&) override {}
+    void memoCleared(Memo) override {}
+    void showMessage(const QString&, const QString&, MessageIcon) override {}
+    bool askYesNo(const QString&, const QString&) override { return false; }
+    std::optional<QString> askHerd() override { return std::nullopt; }
+    std::vector<int> summaryRowsInDisplayOrder() override { return {}; }
+    void openWithDesktop(const QString&) override {}
+};
 
 // A host that hears nothing, answers No, prints every herd and shows the summary rows it is given.
 class BenchHost : public SilentHost {

@@ -7,6 +7,7 @@
 #include "analysis/WelfareAnalysis.h"
 #include "core/archive/ArchiveCommands.h"
 #include "core/archive/DownloadArchive.h"
+#include "core/archive/DownloadComparison.h"
 #include "core/recount/RecountCommand.h"
 #include "core/session/HalvarnSession.h"
 #include "registry/download/AnimalRowWriter.h"
@@ -70,6 +71,9 @@ int main(int argc, char* argv[])
         const Timing reopen = Measure([&] { OpenArchivedDownload(reopened, id); });
         out << "reopen 20,000 animals: " << reopen.text() << " (goal <= 1 s)" << Qt::endl;
         out << "archive file: " << QFileInfo(session.dataFolder().archiveFile()).size() / 1024 << " KB" << Qt::endl;
+        const qint64 second = archive.store(session, 20);
+        const Timing compare = Measure([&] { DownloadComparison::fromArchive(session.dataFolder(), id, second); });
+        out << "compare two stored downloads of 20,000 animals: " << compare.text() << Qt::endl;
     }
     HalvarnSession session(DataFolder(folder.path()), host);
     FillSession(session, 100'000);

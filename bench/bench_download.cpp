@@ -2,9 +2,9 @@
 // 20 ms, once with one single-animal request at a time and once with the
 // default number in flight. Prints both times, the ratio, and whether the two
 // runs left identical tables, memos and messages.
+#include "BenchSupport.h"
 #include "core/session/HalvarnSession.h"
 #include "core/session/SessionDump.h"
-#include "framework/SilentHost.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/download/DownloadCommand.h"
 #include "registry/sim/RegistrySimulator.h"

@@ -31,15 +31,6 @@ QString InsertStatement(const QString& table, const QStringList& columns)
     return u"INSERT INTO %1 (%2) VALUES (%3)"_s.arg(table, columns.join(u','), marks.join(u','));
 }
 
-QSqlQuery Prepared(QSqlDatabase& database, const QString& statement)
-{
-    QSqlQuery query(database);
-    query.setForwardOnly(true);
-    if (!query.prepare(statement))
-        throw ArchiveError(u"Błąd archiwum: "_s + query.lastError().text());
-    return query;
-}
-
 QVariant CalfBirthColumn(const std::optional<QDate>& birth)
 {
     if (!birth)
@@ -56,8 +47,9 @@ std::optional<QDate> CalfBirthFromColumn(const QVariant& column)
 
 void InsertHerds(QSqlDatabase& database, qint64 id, const WorkingTables& tables)
 {
-    QSqlQuery query = Prepared(database, InsertStatement(u"herds"_s, {u"download"_s, u"slot"_s, u"code"_s,
-                                                                      u"list_index"_s, u"visible"_s, u"incomplete"_s}));
+    QSqlQuery query =
+        PreparedQuery(database, InsertStatement(u"herds"_s, {u"download"_s, u"slot"_s, u"code"_s, u"list_index"_s,
+                                                             u"visible"_s, u"incomplete"_s}));
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
         const THerdSlot& herd = tables.HerdSlots[static_cast<std::size_t>(slot)];
         for (const QVariant& value : {QVariant(id), QVariant(slot), TextColumn(herd.Code), QVariant(herd.Index),
@@ -73,8 +65,9 @@ void InsertAnimals(QSqlDatabase& database, qint64 id, HalvarnSession& session)
     const Table& summary = tables.mdRZ00();
     if (session.answers.size() != static_cast<std::size_t>(summary.recordCount()))
         throw ArchiveError(u"Brak odpowiedzi rejestru dla części zwierząt; pobranie nie zostało zarchiwizowane"_s);
-    QSqlQuery query = Prepared(database, InsertStatement(u"animals"_s, QStringList{u"download"_s, u"row"_s, u"slot"_s} +
-                                                                           FieldColumns(summary) + AnswerColumns));
+    QSqlQuery query =
+        PreparedQuery(database, InsertStatement(u"animals"_s, QStringList{u"download"_s, u"row"_s, u"slot"_s} +
+                                                                  FieldColumns(summary) + AnswerColumns));
     const int rozpatrzono = tables.mdRZ(1).requireField(u"Rozpatrzono");
     const int gdzie = tables.mdRZ(1).requireField(u"GdzieRozpatrzono");
     std::array<int, HerdSlotCount> herdRow{};
@@ -99,8 +92,9 @@ void InsertAnimals(QSqlDatabase& database, qint64 id, HalvarnSession& session)
 
 void InsertGroups(QSqlDatabase& database, qint64 id, WorkingTables& tables)
 {
-    QSqlQuery query = Prepared(database, InsertStatement(u"groups"_s, QStringList{u"download"_s, u"slot"_s, u"row"_s} +
-                                                                          FieldColumns(tables.mdGT00())));
+    QSqlQuery query =
+        PreparedQuery(database, InsertStatement(u"groups"_s, QStringList{u"download"_s, u"slot"_s, u"row"_s} +
+                                                                 FieldColumns(tables.mdGT00())));
     for (int slot = 0; slot < HerdSlotCount; ++slot) {
         const Table& groups = tables.mdGT(slot);
         for (int row = 0; row < groups.recordCount(); ++row) {
@@ -114,18 +108,10 @@ void InsertGroups(QSqlDatabase& database, qint64 id, WorkingTables& tables)
     }
 }
 
-QSqlQuery Select(QSqlDatabase& database, const QString& statement, qint64 id)
-{
-    QSqlQuery query = Prepared(database, statement);
-    query.addBindValue(id);
-    ExecOrThrow(query, u"Błąd odczytu archiwum"_s);
-    return query;
-}
-
 void ReadHerds(QSqlDatabase& database, qint64 id, WorkingTables& tables)
 {
-    QSqlQuery query =
-        Select(database, u"SELECT slot, code, list_index, visible, incomplete FROM herds WHERE download = ?"_s, id);
+    QSqlQuery query = SelectOfDownload(
+        database, u"SELECT slot, code, list_index, visible, incomplete FROM herds WHERE download = ?"_s, id);
     while (query.next()) {
         const int slot = query.value(0).toInt();
         if (slot < 0 || slot >= HerdSlotCount)
@@ -175,8 +161,8 @@ void ReadAnimals(QSqlDatabase& database, qint64 id, HalvarnSession& session)
     WorkingTables& tables = session.tables();
     Table& summary = tables.mdRZ00();
     const QStringList columns = QStringList{u"slot"_s} + FieldColumns(summary) + AnswerColumns;
-    QSqlQuery query =
-        Select(database, u"SELECT %1 FROM animals WHERE download = ? ORDER BY row"_s.arg(columns.join(u',')), id);
+    QSqlQuery query = SelectOfDownload(
+        database, u"SELECT %1 FROM animals WHERE download = ? ORDER BY row"_s.arg(columns.join(u',')), id);
     const int answers = 1 + summary.fieldCount();
     const std::vector<int> herdFields = HerdFieldsInSummary(tables);
     const int rozpatrzono = tables.mdRZ(1).requireField(u"Rozpatrzono");
@@ -201,8 +187,8 @@ void ReadAnimals(QSqlDatabase& database, qint64 id, HalvarnSession& session)
 void ReadGroups(QSqlDatabase& database, qint64 id, WorkingTables& tables)
 {
     const QStringList columns = QStringList{u"slot"_s} + FieldColumns(tables.mdGT00());
-    QSqlQuery query =
-        Select(database, u"SELECT %1 FROM groups WHERE download = ? ORDER BY slot, row"_s.arg(columns.join(u',')), id);
+    QSqlQuery query = SelectOfDownload(
+        database, u"SELECT %1 FROM groups WHERE download = ? ORDER BY slot, row"_s.arg(columns.join(u',')), id);
     while (query.next()) {
         const int slot = query.value(0).toInt();
         if (slot >= 0 && slot < HerdSlotCount)

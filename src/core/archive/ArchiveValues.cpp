@@ -114,3 +114,20 @@ void ExecOrThrow(QSqlQuery& query, const QString& doing)
     if (!query.exec())
         throw ArchiveError(doing + u": "_s + query.lastError().text());
 }
+
+QSqlQuery PreparedQuery(const QSqlDatabase& database, const QString& statement)
+{
+    QSqlQuery query(database);
+    query.setForwardOnly(true);
+    if (!query.prepare(statement))
+        throw ArchiveError(u"Błąd archiwum: "_s + query.lastError().text());
+    return query;
+}
+
+QSqlQuery SelectOfDownload(const QSqlDatabase& database, const QString& statement, qint64 id)
+{
+    QSqlQuery query = PreparedQuery(database, statement);
+    query.addBindValue(id);
+    ExecOrThrow(query, u"Błąd odczytu archiwum"_s);
+    return query;
+}

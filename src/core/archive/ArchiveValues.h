@@ -29,3 +29,7 @@ std::optional<DeclaredLimits> DeclaredLimitsFromColumn(const QVariant& column);
 
 // Runs a prepared statement; a failure is an ArchiveError naming what was being done.
 void ExecOrThrow(QSqlQuery& query, const QString& doing);
+// A statement prepared on the archive, read forward only; a failure is an ArchiveError.
+QSqlQuery PreparedQuery(const QSqlDatabase& database, const QString& statement);
+// A statement with one "?" for the download's id, run and ready to read.
+QSqlQuery SelectOfDownload(const QSqlDatabase& database, const QString& statement, qint64 id);

@@ -4,6 +4,7 @@
 #include "core/archive/ArchiveSchema.h"
 #include "core/archive/ArchiveTables.h"
 #include "core/archive/ArchiveValues.h"
+#include "core/archive/DownloadSnapshot.h"
 #include "core/session/HalvarnSession.h"
 #include "framework/IniFile.h"
 
@@ -52,14 +53,6 @@ private:
     bool committed_ = false;
 };
 
-QSqlQuery Query(QSqlDatabase database, const QString& statement)
-{
-    QSqlQuery query(database);
-    if (!query.prepare(statement))
-        throw ArchiveError(u"Błąd archiwum: "_s + query.lastError().text());
-    return query;
-}
-
 int IncompleteHerds(const WorkingTables& tables)
 {
     int count = 0;
@@ -75,7 +68,7 @@ qint64 InsertDownload(QSqlDatabase& database, HalvarnSession& session)
         return producer.isEmpty() ? FieldValue{} : producer.value(QLatin1String(field));
     };
     QSqlQuery query =
-        Query(database, uR"(INSERT INTO downloads (producer, name, state_date, download_date, reference_date,
+        PreparedQuery(database, uR"(INSERT INTO downloads (producer, name, state_date, download_date, reference_date,
         downloaded_at, fattening, suckler_cows, dairy_cows, age_limits, errors, herd_count, animals, incomplete_herds,
         declared_limits, counting_lines_from) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?))"_s);
     const WelfareFlags flags = session.halvarnFlags;
@@ -150,8 +143,8 @@ qint64 DownloadArchive::store(HalvarnSession& session, int keep)
 
 std::vector<ArchivedDownload> DownloadArchive::list(const QString& producer) const
 {
-    QSqlQuery query = Query(database(), u"SELECT %1 FROM downloads %2 ORDER BY id DESC"_s.arg(
-                                            Columns, producer.isEmpty() ? QString() : u"WHERE producer = ?"_s));
+    QSqlQuery query = PreparedQuery(database(), u"SELECT %1 FROM downloads %2 ORDER BY id DESC"_s.arg(
+                                                    Columns, producer.isEmpty() ? QString() : u"WHERE producer = ?"_s));
     if (!producer.isEmpty())
         query.addBindValue(producer);
     ExecOrThrow(query, u"Błąd odczytu archiwum"_s);
@@ -163,7 +156,7 @@ std::vector<ArchivedDownload> DownloadArchive::list(const QString& producer) con
 
 ArchivedDownload DownloadArchive::find(qint64 id) const
 {
-    QSqlQuery query = Query(database(), u"SELECT %1 FROM downloads WHERE id = ?"_s.arg(Columns));
+    QSqlQuery query = PreparedQuery(database(), u"SELECT %1 FROM downloads WHERE id = ?"_s.arg(Columns));
     query.addBindValue(id);
     ExecOrThrow(query, u"Błąd odczytu archiwum"_s);
     if (!query.next())
@@ -182,11 +175,11 @@ void DownloadArchive::remove(qint64 id)
 void DownloadArchive::removeWithin(qint64 id)
 {
     for (const QString& table : {u"animals"_s, u"groups"_s, u"herds"_s}) {
-        QSqlQuery query = Query(database(), u"DELETE FROM %1 WHERE download = ?"_s.arg(table));
+        QSqlQuery query = PreparedQuery(database(), u"DELETE FROM %1 WHERE download = ?"_s.arg(table));
         query.addBindValue(id);
         ExecOrThrow(query, u"Błąd usuwania z archiwum"_s);
     }
-    QSqlQuery query = Query(database(), u"DELETE FROM downloads WHERE id = ?"_s);
+    QSqlQuery query = PreparedQuery(database(), u"DELETE FROM downloads WHERE id = ?"_s);
     query.addBindValue(id);
     ExecOrThrow(query, u"Błąd usuwania z archiwum"_s);
 }
@@ -195,7 +188,7 @@ void DownloadArchive::removeWithin(qint64 id)
 void DownloadArchive::pruneWithin(const QString& producer, int keep)
 {
     QSqlQuery query =
-        Query(database(), u"SELECT id FROM downloads WHERE producer = ? ORDER BY id DESC LIMIT -1 OFFSET ?"_s);
+        PreparedQuery(database(), u"SELECT id FROM downloads WHERE producer = ? ORDER BY id DESC LIMIT -1 OFFSET ?"_s);
     query.addBindValue(producer);
     query.addBindValue(keep);
     ExecOrThrow(query, u"Błąd odczytu archiwum"_s);
@@ -209,7 +202,7 @@ void DownloadArchive::pruneWithin(const QString& producer, int keep)
 void DownloadArchive::load(qint64 id, HalvarnSession& session) const
 {
     QSqlDatabase db = database();
-    QSqlQuery download = Query(db, u"SELECT * FROM downloads WHERE id = ?"_s);
+    QSqlQuery download = PreparedQuery(db, u"SELECT * FROM downloads WHERE id = ?"_s);
     download.addBindValue(id);
     ExecOrThrow(download, u"Błąd odczytu archiwum"_s);
     if (!download.next())
@@ -217,4 +210,27 @@ void DownloadArchive::load(qint64 id, HalvarnSession& session) const
     ReadDownloadHeader(session, download);
     ReadDownloadRows(db, id, session);
     session.DataLoaded = true;
+}
+
+DownloadSnapshot DownloadArchive::snapshot(const ArchivedDownload& download) const
+{
+    DownloadSnapshot snapshot{download, {}, {}};
+    QSqlQuery animals = SelectOfDownload(database(), uR"(SELECT "NumerIdentyfikacyjny", "STADO", "Plec",
+        "DataUrodzenia", "Wiek", "GdzieRozpatrzono" FROM animals WHERE download = ? ORDER BY row)"_s,
+                                         download.id);
+    while (animals.next()) {
+        const QVariant age = animals.value(4);
+        snapshot.animals.push_back({animals.value(0).toString(), animals.value(1).toString(),
+                                    animals.value(2).toString(), DateFromColumn(animals.value(3)),
+                                    age.isNull() ? std::nullopt : std::optional<int>(age.toInt()),
+                                    animals.value(5).toString()});
+    }
+    QSqlQuery groups = SelectOfDownload(
+        database(),
+        uR"(SELECT "ID", "GT", "Ilosc", "IloscPom" FROM groups WHERE download = ? AND slot = 0 ORDER BY row)"_s,
+        download.id);
+    while (groups.next())
+        snapshot.groups.push_back(
+            {groups.value(0).toInt(), groups.value(1).toString(), groups.value(2).toInt() + groups.value(3).toInt()});
+    return snapshot;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 class HalvarnSession;
+struct DownloadSnapshot;
 class QSqlDatabase;
 
 // One stored download as the archive's list shows it.
@@ -47,6 +48,8 @@ public:
     // Puts the download into the session's tables, herd slots and memo exactly
     // as the download left them; the session must have been cleared.
     void load(qint64 id, HalvarnSession& session) const;
+    // The few columns a comparison needs of a stored download, read without a session.
+    DownloadSnapshot snapshot(const ArchivedDownload& download) const;
 
 private:
     QSqlDatabase database() const;

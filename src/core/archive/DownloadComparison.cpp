@@ -117,7 +117,7 @@ DownloadComparison DownloadComparison::fromArchive(const DataFolder& folder, qin
     RefuseUnlessComparable(a, b);
     if (DownloadedBefore(b, a))
         std::swap(a, b);
-    return DownloadComparison(LoadSnapshot(folder, archive, a), LoadSnapshot(folder, archive, b));
+    return DownloadComparison(archive.snapshot(a), archive.snapshot(b));
 }
 
 DownloadComparison::DownloadComparison(const DownloadSnapshot& a, const DownloadSnapshot& b)

@@ -4,9 +4,6 @@
 
 #include <optional>
 
-class DataFolder;
-class WorkingTables;
-
 // One animal of a download, as far as a comparison of two downloads looks at it.
 struct SnapshotAnimal {
     QString earTag;
@@ -30,11 +27,3 @@ struct DownloadSnapshot {
     std::vector<SnapshotAnimal> animals; // in the order of mdRZ00
     std::vector<SnapshotGroup> groups;   // in the order of mdGT00
 };
-
-// The animals (mdRZ00) and overall groups (mdGT00) of loaded working tables.
-DownloadSnapshot TakeSnapshot(WorkingTables& tables, ArchivedDownload download);
-
-// Opens a stored download in a session of its own, so the window's loaded data
-// stays as it is. Throws ArchiveError when it cannot be read.
-DownloadSnapshot LoadSnapshot(const DataFolder& folder, const DownloadArchive& archive,
-                              const ArchivedDownload& download);

@@ -2,7 +2,6 @@
 #include "core/archive/DownloadArchive.h"
 #include "core/archive/DownloadComparison.h"
 
-#include <QElapsedTimer>
 #include <QTest>
 
 #include <map>
@@ -96,7 +95,7 @@ private Q_SLOTS:
     void refusesWhatCannotBeCompared();
     void groupRowsOfOneDownloadOnlyCountZeroInTheOther();
     void anEarTagListedTwiceCountsOnce();
-    void twentyThousandAnimalsCompareWithinASecond();
+    void manyAnimalsAreMatchedByEarTag();
 };
 
 void TestComparison::initTestCase()
@@ -242,7 +241,8 @@ void TestComparison::anEarTagListedTwiceCountsOnce()
     QVERIFY(c.animals().empty());
 }
 
-void TestComparison::twentyThousandAnimalsCompareWithinASecond()
+// Matched by ear tag, not by position: a large herd with a thousand animals replaced.
+void TestComparison::manyAnimalsAreMatchedByEarTag()
 {
     std::vector<SnapshotAnimal> before;
     std::vector<SnapshotAnimal> after;
@@ -253,10 +253,7 @@ void TestComparison::twentyThousandAnimalsCompareWithinASecond()
     }
     const DownloadSnapshot a = Snapshot(1, std::move(before));
     const DownloadSnapshot b = Snapshot(2, std::move(after));
-    QElapsedTimer timer;
-    timer.start();
     const DownloadComparison c(a, b);
-    QVERIFY2(timer.elapsed() < 1000, qPrintable(u"%1 ms"_s.arg(timer.elapsed())));
     QCOMPARE(c.count(AnimalChange::Arrived), 1000);
     QCOMPARE(c.count(AnimalChange::Left), 1000);
 }
