@@ -71,7 +71,8 @@ QString RegistryMessageIn(const QByteArray& body)
 
 HttpExchange::HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRequest request, const QByteArray& body,
                            ExchangeRules rules)
-    : timer_(std::make_unique<QTimer>()), rules_(std::move(rules)), origin_(request.url())
+    : listener_(std::make_unique<QObject>()), timer_(std::make_unique<QTimer>()), rules_(std::move(rules)),
+      origin_(request.url())
 {
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
     if (verb == Verb::Post) {
@@ -80,27 +81,33 @@ HttpExchange::HttpExchange(QNetworkAccessManager& network, Verb verb, QNetworkRe
     } else {
         reply_.reset(network.get(request));
     }
-    reply_->setParent(nullptr);
     watchReply();
 }
 
 HttpExchange::~HttpExchange()
 {
     markFinished();
-    if (!reply_->isFinished())
-        reply_->abort();
+    listener_.reset(); // nothing the reply says from now on reaches this exchange
+}
+
+void HttpExchange::LaterDelete::operator()(QNetworkReply* reply) const
+{
+    if (!reply->isFinished())
+        reply->abort();
+    reply->deleteLater(); // the manager, its parent, deletes it at the latest
 }
 
 void HttpExchange::watchReply()
 {
     QNetworkReply* reply = reply_.get();
+    QObject* context = listener_.get();
     timer_->setSingleShot(true);
-    QObject::connect(timer_.get(), &QTimer::timeout, reply, [this] { onTimeout(); });
-    QObject::connect(reply, &QNetworkReply::socketStartedConnecting, reply, [this] { markSent(); });
-    QObject::connect(reply, &QNetworkReply::requestSent, reply, [this] { markSent(); });
-    QObject::connect(reply, &QNetworkReply::redirected, reply, [this](const QUrl& target) { onRedirect(target); });
-    QObject::connect(reply, &QNetworkReply::readyRead, reply, [this] { readArrived(); });
-    QObject::connect(reply, &QNetworkReply::finished, reply, [this] { markFinished(); });
+    QObject::connect(timer_.get(), &QTimer::timeout, context, [this] { onTimeout(); });
+    QObject::connect(reply, &QNetworkReply::socketStartedConnecting, context, [this] { markSent(); });
+    QObject::connect(reply, &QNetworkReply::requestSent, context, [this] { markSent(); });
+    QObject::connect(reply, &QNetworkReply::redirected, context, [this](const QUrl& target) { onRedirect(target); });
+    QObject::connect(reply, &QNetworkReply::readyRead, context, [this] { readArrived(); });
+    QObject::connect(reply, &QNetworkReply::finished, context, [this] { markFinished(); });
     timer_->start(rules_.timeoutMs);
 }
 

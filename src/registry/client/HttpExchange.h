@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 
 class QNetworkAccessManager;
 class QNetworkReply;
+class QObject;
 class QTimer;
 
 // A failure of the transport: no connection, a time-out, a refused redirect,
@@ -84,7 +85,13 @@ private:
     void collect();
     QString failureText() const;
 
-    std::unique_ptr<QNetworkReply> reply_;
+    // The reply's teardown: aborted when unfinished, then deleted by the event
+    // loop, since Qt's HTTP thread may still be handling it.
+    struct LaterDelete {
+        void operator()(QNetworkReply* reply) const;
+    };
+    std::unique_ptr<QObject> listener_; // the context of this exchange's connections to the reply
+    std::unique_ptr<QNetworkReply, LaterDelete> reply_;
     std::unique_ptr<QTimer> timer_;
     ExchangeRules rules_;
     QUrl origin_;

@@ -36,6 +36,17 @@ bool SafeToSendSecrets(const QString& base)
     return QUrl(base).scheme() == u"https" || IsLoopback(base);
 }
 
+// One manager for the whole run of the program, never destroyed. When a request
+// finishes, Qt's HTTP thread queues the deletion of its own objects for its next
+// turn; destroying a manager stops that thread, and whatever it had not yet
+// deleted is lost. A manager that lives as long as the process never stops its
+// thread, so nothing it holds is ever lost or leaked.
+QNetworkAccessManager& ApplicationNetwork()
+{
+    static QNetworkAccessManager* const network = new QNetworkAccessManager;
+    return *network;
+}
+
 constexpr qsizetype MaxTokenLength = 16 * 1024;
 
 // A token goes into a header line: blanks or control characters would break it.
@@ -46,7 +57,9 @@ bool PlainToken(const QString& token)
 }
 } // namespace
 
-TdmIRZ_PLUS::TdmIRZ_PLUS(RegistryConfig config, OperationHost& host) : config_(std::move(config)), host_(host) {}
+TdmIRZ_PLUS::TdmIRZ_PLUS(RegistryConfig config, OperationHost& host)
+    : config_(std::move(config)), host_(host), network_(ApplicationNetwork())
+{}
 
 // Only a definite "offline" refuses; an unknown state counts as connected, and
 // a registry on this machine needs no network at all.

@@ -78,6 +78,6 @@ private:
 
     RegistryConfig config_;
     OperationHost& host_;
-    QNetworkAccessManager network_;
+    QNetworkAccessManager& network_; // the application's, see ApplicationNetwork()
     std::shared_ptr<int> sentAndOpen_ = std::make_shared<int>(0);
 };
