@@ -25,6 +25,7 @@ class SilentDialogs : public UserDialogs {
 public:
     void message(const QString&, const QString&, MessageIcon) override {}
     bool question(const QString&, const QString&) override { return true; }
+    bool cautiousQuestion(const QString&, const QString&) override { return false; }
     std::optional<QString> herd() override { return u"ALL"_s; }
     std::optional<QString> useDirection() override { return std::nullopt; }
     std::optional<ChosenProducer> chooseProducer(const DataFolder&, qint32) override { return std::nullopt; }

@@ -50,6 +50,16 @@ bool CliHost::askYesNo(const QString& caption, const QString& text)
     return answerYes_;
 }
 
+// Only --resend-unconfirmed sends again what may have reached the registry; --yes does not.
+bool CliHost::askToResend(const QString& question)
+{
+    err_ << u"Pytanie "_s << question
+         << (resendUnconfirmed_ ? u" [Tak: --resend-unconfirmed]"_s
+                                : u" [Nie: ponowne wysłanie wymaga --resend-unconfirmed]"_s)
+         << Qt::endl;
+    return resendUnconfirmed_;
+}
+
 // Without a grid, the summary rows are exported as the table holds them.
 std::vector<int> CliHost::summaryRowsInDisplayOrder()
 {

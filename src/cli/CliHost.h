@@ -31,6 +31,8 @@ public:
     std::optional<QString> askHerd() override { return u"ALL"_s; }
     std::optional<QString> askUseDirection() override { return useDirection_; }
     void setUseDirection(const QString& code) { useDirection_ = code; }
+    bool askToResend(const QString& question) override;
+    void setResendUnconfirmed(bool resend) { resendUnconfirmed_ = resend; }
     std::vector<int> summaryRowsInDisplayOrder() override;
     void openWithDesktop(const QString&) override {}
     void setSummaryRowCount(int rows) { summaryRows_ = rows; }
@@ -38,6 +40,7 @@ public:
 private:
     bool answerYes_;
     std::optional<QString> useDirection_;
+    bool resendUnconfirmed_ = false;
     QTextStream err_;
     std::vector<ShownMessage> messages_;
     int summaryRows_ = 0;

@@ -160,6 +160,8 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
               "wyślij zmianę kierunku użytkowania zaznaczonych zwierząt: OP, MI, MIOP, ML, MLOP "
               "(pyta o potwierdzenie na standardowym wejściu: t/tak)",
               "CODE"),
+        {u"resend-unconfirmed"_s,
+         u"wyślij ponownie zgłoszenia zwierząt, których wcześniejsze zgłoszenie mogło dotrzeć do rejestru"_s},
         {u"demo"_s, u"użyj wbudowanego symulatora rejestru"_s},
         {u"yes"_s, u"odpowiadaj Tak na pytania, bez czytania standardowego wejścia"_s},
     });
@@ -186,6 +188,7 @@ bool CliOptions::parse(const QStringList& arguments, QString& error)
     mark = parser.value(u"mark"_s).split(u',', Qt::SkipEmptyParts);
     if (parser.isSet(u"use-change"_s))
         useChange = parser.value(u"use-change"_s);
+    resendUnconfirmed = parser.isSet(u"resend-unconfirmed"_s);
     demo = parser.isSet(u"demo"_s);
     answerYes = parser.isSet(u"yes"_s);
     failOnPurpose = parser.isSet(debugError);

@@ -19,8 +19,9 @@ struct CliOptions {
     QString exportDir;
     QString pdfDir;
     QString herd = u"ALL"_s;
-    QStringList mark;  // ear tags to tick after the download
-    QString useChange; // the new use direction's code for the ticked animals
+    QStringList mark;               // ear tags to tick after the download
+    QString useChange;              // the new use direction's code for the ticked animals
+    bool resendUnconfirmed = false; // send again notices whose earlier outcome is unknown
     std::optional<QString> ssoBase;
     std::optional<QString> apiBase;
     std::optional<int> parallel;

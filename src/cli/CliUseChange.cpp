@@ -4,6 +4,7 @@
 #include "cli/CliOptions.h"
 #include "cli/CliPrints.h"
 #include "registry/usechange/UseChangeCommand.h"
+#include "registry/usechange/UseDirections.h"
 #include "reports/print/PrintCommands.h"
 #include "reports/print/TdmulmxDataBase_FR3.h"
 
@@ -35,6 +36,7 @@ int RunUseChange(HalvarnSession& session, TdmIRZ_PLUS& registry, CliHost& host, 
     if (!MarkAnimals(session, options.mark))
         return UnknownAnimal;
     host.setUseDirection(options.useChange);
+    host.setResendUnconfirmed(options.resendUnconfirmed);
     TdmulmxDataBase_FR3 reports;
     PrintCommands prints(session, reports);
     const UseChangeResult result = UseChangeCommand(session, registry, prints).run();
@@ -43,10 +45,18 @@ int RunUseChange(HalvarnSession& session, TdmIRZ_PLUS& registry, CliHost& host, 
         err << u"Odrzucono: "_s << tag << Qt::endl;
     for (const QString& tag : result.unconfirmed)
         err << u"Bez potwierdzenia: "_s << tag << Qt::endl;
+    for (const QString& tag : result.notSent)
+        err << u"Nie wysłano: "_s << tag << Qt::endl;
+    for (const QString& tag : result.unchanged)
+        err << u"Bez zmiany: "_s << tag << u": kierunek użytkowania już jest „"_s << UseDirectionName(options.useChange)
+            << u"”"_s << Qt::endl;
+    for (const QString& animal : result.withheld)
+        err << u"Wstrzymano: "_s << animal << Qt::endl;
     const bool printed =
         !result.report || options.pdfDir.isEmpty() ||
         WritePrintPdf(*result.report, options.pdfDir, PrintCommands::useChangeTemplateName(), session.ProducerNumber);
-    if (!printed || result.outcome != UseChangeOutcome::Sent)
+    if (!printed || (result.outcome != UseChangeOutcome::Sent && result.outcome != UseChangeOutcome::NothingToSend))
         return StoppedEarly;
-    return result.refused.isEmpty() && result.unconfirmed.isEmpty() ? AllAccepted : NotAllAccepted;
+    const bool all = result.refused.isEmpty() && result.unconfirmed.isEmpty() && result.withheld.isEmpty();
+    return all ? AllAccepted : NotAllAccepted;
 }

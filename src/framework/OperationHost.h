@@ -31,6 +31,9 @@ public:
     virtual std::vector<int> summaryRowsInDisplayOrder() = 0;
     // The new use direction's code for the marked animals; none when cancelled.
     virtual std::optional<QString> askUseDirection() { return std::nullopt; }
+    // Whether to send again a notice that may already have reached the registry.
+    // The safe answer is no: it is the default, and a host that cannot ask gives it.
+    virtual bool askToResend(const QString& /*question*/) { return false; }
     // Opens a written file with the desktop's application for its type.
     virtual void openWithDesktop(const QString& path) = 0;
 };

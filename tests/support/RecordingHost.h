@@ -30,6 +30,8 @@ public:
     bool busy = false;
     QString herdChoice = u"ALL"_s;
     std::optional<QString> useDirection;
+    QStringList resendQuestions;
+    bool answerResend = false;
     std::vector<int> summaryRows;
 
     QStringList messageTexts() const
@@ -69,6 +71,11 @@ public:
         return herdChoice.isNull() ? std::nullopt : std::optional<QString>(herdChoice);
     }
     std::optional<QString> askUseDirection() override { return useDirection; }
+    bool askToResend(const QString& question) override
+    {
+        resendQuestions.append(question);
+        return answerResend;
+    }
     std::vector<int> summaryRowsInDisplayOrder() override { return summaryRows; }
     void openWithDesktop(const QString&) override {}
 };

@@ -15,8 +15,20 @@ void MessageBoxPrompts::showMessage(const QString& caption, const QString& text,
 
 bool MessageBoxPrompts::askYesNo(const QString& caption, const QString& text)
 {
+    return ask(caption, text, true);
+}
+
+bool MessageBoxPrompts::askYesNoDefaultNo(const QString& caption, const QString& text)
+{
+    return ask(caption, text, false);
+}
+
+bool MessageBoxPrompts::ask(const QString& caption, const QString& text, bool defaultYes)
+{
     QMessageBox box(QMessageBox::Question, caption, text, QMessageBox::Yes | QMessageBox::No, parent_);
     box.button(QMessageBox::Yes)->setText(u"Tak"_s);
     box.button(QMessageBox::No)->setText(u"Nie"_s);
+    box.setDefaultButton(defaultYes ? QMessageBox::Yes : QMessageBox::No);
+    box.setEscapeButton(QMessageBox::No);
     return box.exec() == QMessageBox::Yes;
 }

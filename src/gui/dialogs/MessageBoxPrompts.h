@@ -13,8 +13,12 @@ public:
 
     void showMessage(const QString& caption, const QString& text, MessageIcon icon) override;
     bool askYesNo(const QString& caption, const QString& text) override;
+    // A question whose hasty answer, Enter included, is No.
+    bool askYesNoDefaultNo(const QString& caption, const QString& text);
 
 private:
+    bool ask(const QString& caption, const QString& text, bool defaultYes);
+
     QWidget* parent_;
 };
 

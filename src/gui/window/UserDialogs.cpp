@@ -27,6 +27,11 @@ bool ModalDialogs::question(const QString& caption, const QString& text)
     return MessageBoxPrompts(parent_).askYesNo(caption, text);
 }
 
+bool ModalDialogs::cautiousQuestion(const QString& caption, const QString& text)
+{
+    return MessageBoxPrompts(parent_).askYesNoDefaultNo(caption, text);
+}
+
 std::optional<QString> ModalDialogs::herd()
 {
     QString herd;

@@ -26,6 +26,8 @@ public:
 
     virtual void message(const QString& caption, const QString& text, MessageIcon icon) = 0;
     virtual bool question(const QString& caption, const QString& text) = 0;
+    // A question whose default answer is No, for a step that cannot be taken back.
+    virtual bool cautiousQuestion(const QString& caption, const QString& text) = 0;
     virtual std::optional<QString> herd() = 0;
     // The code of the new use direction; none when the user cancelled or chose nothing.
     virtual std::optional<QString> useDirection() = 0;
@@ -55,6 +57,7 @@ public:
 
     void message(const QString& caption, const QString& text, MessageIcon icon) override;
     bool question(const QString& caption, const QString& text) override;
+    bool cautiousQuestion(const QString& caption, const QString& text) override;
     std::optional<QString> herd() override;
     std::optional<QString> useDirection() override;
     std::optional<ChosenProducer> chooseProducer(const DataFolder& folder, qint32 lastChosenId) override;

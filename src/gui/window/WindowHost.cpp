@@ -99,6 +99,11 @@ std::optional<QString> WindowHost::askUseDirection()
     return dialogs_.useDirection();
 }
 
+bool WindowHost::askToResend(const QString& question)
+{
+    return dialogs_.cautiousQuestion(u"Pytanie"_s, question);
+}
+
 std::optional<QString> WindowHost::askHerd()
 {
     return dialogs_.herd();

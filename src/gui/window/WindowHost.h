@@ -46,6 +46,7 @@ public:
     bool cancelRequested() override { return cancel_; }
     std::optional<QString> askHerd() override;
     std::optional<QString> askUseDirection() override;
+    bool askToResend(const QString& question) override;
     std::vector<int> summaryRowsInDisplayOrder() override { return summaryRows_(); }
     void openWithDesktop(const QString& path) override;
 

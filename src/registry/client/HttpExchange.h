@@ -36,6 +36,13 @@ public:
     RequestCancelled() : RegistryError(u"Przerwano na żądanie użytkownika"_s) {}
 };
 
+// A notice that certainly never reached the server: no connection was made, or
+// the user stopped before it was written. Sending it again is safe.
+class NoticeNotSent : public RegistryError {
+public:
+    using RegistryError::RegistryError;
+};
+
 // What every request of one client shares.
 struct ExchangeRules {
     int timeoutMs = 150'000;

@@ -2,6 +2,7 @@
 
 #include "framework/OperationHost.h"
 #include "registry/client/OrderedJson.h"
+#include "registry/client/SingleAttemptPost.h"
 
 #include <QHostAddress>
 #include <QJsonDocument>
@@ -22,6 +23,18 @@ QString StatusAndMessage(const HttpResult& result)
 {
     const QString message = RegistryMessageIn(result.body);
     return message.isEmpty() ? result.statusLine : message + u" ("_s + result.statusLine + u')';
+}
+
+// A POST's answer text; whatever kept it from coming whole, or an HTTP error status, raises.
+QString PostAnswer(const HttpResult& result)
+{
+    if (result.cancelled)
+        throw RequestCancelled();
+    if (!result.failure.isEmpty())
+        throw RegistryError(result.failure);
+    if (result.httpError())
+        throw RegistryError(u"Serwer zgłosił błąd: "_s + StatusAndMessage(result), result.status);
+    return QString::fromUtf8(result.body);
 }
 
 bool IsLoopback(const QString& base)
@@ -179,14 +192,17 @@ QString TdmIRZ_PLUS::post(const QString& url, const QByteArray& body)
 {
     HttpExchange exchange(network_, HttpExchange::Verb::Post, apiRequest(url, true), body,
                           rules(config_.postTimeoutMs));
-    const HttpResult& result = exchange.wait();
-    if (result.cancelled)
-        throw RequestCancelled();
-    if (!result.failure.isEmpty())
-        throw RegistryError(result.failure);
-    if (result.httpError())
-        throw RegistryError(u"Serwer zgłosił błąd: "_s + StatusAndMessage(result), result.status);
-    return QString::fromUtf8(result.body);
+    return PostAnswer(exchange.wait());
+}
+
+QString TdmIRZ_PLUS::postOnce(const QString& url, const QByteArray& body)
+{
+    const QList<QByteArray> headers{"Accept: application/json", "Content-Type: application/json",
+                                    "Authorization: Bearer " + Token.toUtf8()};
+    const SingleAttemptResult result = PostOnce(url, headers, body, rules(config_.postTimeoutMs));
+    if (result.nothingSent && !result.failure.isEmpty())
+        throw NoticeNotSent(result.failure);
+    return PostAnswer(result);
 }
 
 QString TdmIRZ_PLUS::ListHoldings(const QString& producerNumber, const QString& holdingNumber,
@@ -275,7 +291,7 @@ QString TdmIRZ_PLUS::SubmitUseChange(const QString& producerNumber, const QStrin
     if (!organisationalUnit.isEmpty())
         body.add(u"komorkaOrganizacyjna"_s, organisationalUnit);
     body.add(u"zgloszenie"_s, notice);
-    return post(apiUrl(u"/api/indywidualne/dokument/api/%1/ztuku"_s, testBranch), body.toJson());
+    return postOnce(apiUrl(u"/api/indywidualne/dokument/api/%1/ztuku"_s, testBranch), body.toJson());
 }
 
 TdmIRZ_PLUS::AnimalQueue TdmIRZ_PLUS::animalQueue(const QString& producerNumber, QStringList animals, bool testBranch)

@@ -19,7 +19,9 @@ inline const QString ErrorMarker = u"\tERR\t"_s;
 // The registry client: logs in, then asks the registry with the token. GETs
 // turn HTTP errors, and answers broken after their status line, into the error
 // marker; POSTs and failures without any answer raise RegistryError, and a stop
-// asked for by the user raises RequestCancelled.
+// asked for by the user raises RequestCancelled. A change notice is sent at most
+// once: an answer that did not arrive whole raises RegistryError (the outcome is
+// unknown), and only a notice that never left raises NoticeNotSent.
 class TdmIRZ_PLUS {
 public:
     TdmIRZ_PLUS(RegistryConfig config, OperationHost& host);
@@ -73,6 +75,7 @@ private:
     std::unique_ptr<HttpExchange> startGet(const QString& url);
     QString getAnswer(HttpExchange& exchange);
     QString post(const QString& url, const QByteArray& body);
+    QString postOnce(const QString& url, const QByteArray& body);
     bool connected() const;
     QString animalUrl(const QString& producerNumber, const QString& animalNumber, bool test) const;
 

@@ -13,6 +13,7 @@ public:
 
     SimRegistry registry;
     httplib::Server http;
+    std::unique_ptr<SimFrontDoor> frontDoor;
     std::thread thread;
     int port = 0;
 };
@@ -35,7 +36,16 @@ bool RegistrySimulator::start(quint16 port)
     if (server_->thread.joinable())
         return true;
     httplib::Server& http = server_->http;
-    server_->port = port == 0 ? http.bind_to_any_port("127.0.0.1") : (http.bind_to_port("127.0.0.1", port) ? port : -1);
+    if (server_->registry.losesAnswers()) {
+        const int inner = http.bind_to_any_port("127.0.0.1");
+        SimRegistry& registry = server_->registry;
+        server_->frontDoor = std::make_unique<SimFrontDoor>(
+            inner, [&registry](const QByteArray& head, const QByteArray& body) { return registry.lossOf(head, body); });
+        server_->port = inner > 0 ? server_->frontDoor->listen(port) : -1;
+    } else {
+        server_->port =
+            port == 0 ? http.bind_to_any_port("127.0.0.1") : (http.bind_to_port("127.0.0.1", port) ? port : -1);
+    }
     if (server_->port <= 0)
         return false;
     server_->thread = std::thread([&http] { http.listen_after_bind(); });
@@ -46,6 +56,8 @@ void RegistrySimulator::stop()
 {
     if (!server_->thread.joinable())
         return;
+    if (server_->frontDoor)
+        server_->frontDoor->stop();
     server_->http.stop();
     server_->thread.join();
 }

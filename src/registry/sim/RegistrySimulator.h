@@ -16,6 +16,10 @@ struct SimFaults {
     QSet<QString> slowAnimals, slowHerds;
     QSet<QString> httpErrorUseChange, komunikatUseChange, noNumberUseChange, slowUseChange;
     QSet<QString> httpErrorDocuments, komunikatDocuments;
+    // The notice is handled as usual, but its answer never reaches the client: the connection is
+    // closed, reset, or left silent. Set before the simulator starts: it then listens through a
+    // front door that can lose answers.
+    QSet<QString> closeAfterUseChange, resetAfterUseChange, silenceAfterUseChange;
     bool komunikatHoldings = false;
     bool notJsonHoldings = false;
     bool httpErrorHoldings = false;
@@ -36,7 +40,7 @@ struct SimStats {
     int animalListRequests = 0;
     int animalRequests = 0;
     int documentRequests = 0;
-    int useChangeRequests = 0;
+    int useChangeRequests = 0; // notices that reached the registry, answered or not
     int maxConcurrentSeen = 0;
     QStringList animalListHerds;
 };

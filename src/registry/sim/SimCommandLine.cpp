@@ -41,6 +41,10 @@ void AddFaultOptions(QCommandLineParser& parser)
         Value("komunikat-use-change", "komunikat zamiast przyjęcia zgłoszenia zwierzęcia", "TAG"),
         Value("no-number-use-change", "zgłoszenie zwierzęcia przyjęte bez numeru dokumentu", "TAG"),
         Value("slow-use-change", "powolna odpowiedź na zgłoszenie zwierzęcia", "TAG"),
+        Value("close-after-use-change", "zgłoszenie zwierzęcia przyjęte, połączenie zamknięte bez odpowiedzi", "TAG"),
+        Value("reset-after-use-change", "zgłoszenie zwierzęcia przyjęte, połączenie zerwane (RST) bez odpowiedzi",
+              "TAG"),
+        Value("silence-after-use-change", "zgłoszenie zwierzęcia przyjęte, odpowiedź nigdy nie przychodzi", "TAG"),
         Value("fail-document", "błąd HTTP 500 dla listy dokumentów ze zgłoszeniem zwierzęcia", "TAG"),
         Value("komunikat-document", "komunikat zamiast listy dokumentów ze zgłoszeniem zwierzęcia", "TAG"),
         Flag("refuse-login", "odmawiaj każdego logowania"),
@@ -66,6 +70,9 @@ SimFaults FaultsFrom(const QCommandLineParser& parser)
     faults.komunikatUseChange = Values(parser, "komunikat-use-change");
     faults.noNumberUseChange = Values(parser, "no-number-use-change");
     faults.slowUseChange = Values(parser, "slow-use-change");
+    faults.closeAfterUseChange = Values(parser, "close-after-use-change");
+    faults.resetAfterUseChange = Values(parser, "reset-after-use-change");
+    faults.silenceAfterUseChange = Values(parser, "silence-after-use-change");
     faults.httpErrorDocuments = Values(parser, "fail-document");
     faults.komunikatDocuments = Values(parser, "komunikat-document");
     faults.refuseLogin = parser.isSet(u"refuse-login"_s);

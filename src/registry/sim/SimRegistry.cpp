@@ -71,6 +71,14 @@ void SimRegistry::install(httplib::Server& server)
     server.Get(R"(/api/indywidualne/zwierze/api/(test|prod)/zwierzeIndywidualne)", route(&SimRegistry::animal, true));
     server.Get(R"(/api/dokumenty/dokument/api/(test|prod)/listaDokumentow)", route(&SimRegistry::documents, true));
     server.Post(R"(/api/indywidualne/dokument/api/(test|prod)/ztuku)", route(&SimRegistry::useChange, true));
+    // For tests in other processes: what reached the simulator.
+    server.Get("/sim/stats", [this](const httplib::Request&, httplib::Response& response) {
+        const SimStats now = stats();
+        const QJsonObject counts{{u"tokenRequests"_s, now.tokenRequests},
+                                 {u"documentRequests"_s, now.documentRequests},
+                                 {u"useChangeRequests"_s, now.useChangeRequests}};
+        response.set_content(Json(counts).toStdString(), "application/json; charset=utf-8");
+    });
 }
 
 void SimRegistry::serve(Handler handler, bool needsToken, const httplib::Request& request, httplib::Response& response)
@@ -288,11 +296,18 @@ void SimRegistry::approveDue()
             ApproveUseChange(document, findAnimal(document.notice.producer, document.notice.tag));
 }
 
-QJsonArray SimRegistry::documentsOf(const QString& producerNumber, const QString& number, QStringList& tags) const
+// The producer's documents, of one number when it is asked for, received within the dates asked for.
+QJsonArray SimRegistry::documentsOf(const httplib::Request& request, QStringList& tags) const
 {
+    const QString producerNumber = Param(request, "numerProducenta");
+    const QString number = Param(request, "numerDokumentu");
+    const QDate from = QDate::fromString(Param(request, "dataPrzyjeciaOd"), u"yyyy-MM-dd");
+    const QDate to = QDate::fromString(Param(request, "dataPrzyjeciaDo"), u"yyyy-MM-dd");
     QJsonArray list;
     for (const SimUseChangeDocument& document : documents_) {
-        if (document.notice.producer != producerNumber || (!number.isEmpty() && document.number() != number))
+        const QDate received = document.received().date();
+        if (document.notice.producer != producerNumber || (!number.isEmpty() && document.number() != number) ||
+            (from.isValid() && received < from) || (to.isValid() && received > to))
             continue;
         list.append(document.document);
         tags.append(document.notice.tag);
@@ -309,7 +324,7 @@ SimRegistry::Answer SimRegistry::documents(const httplib::Request& request)
     {
         const std::lock_guard lock(mutex_);
         ++stats_.documentRequests;
-        list = documentsOf(producerNumber, Param(request, "numerDokumentu"), tags);
+        list = documentsOf(request, tags);
     }
     for (const QString& tag : std::as_const(tags)) {
         const Answer bad = spoiled(faults.httpErrorDocuments, faults.komunikatDocuments, {}, tag,
@@ -381,6 +396,26 @@ void SimRegistry::checkInRegistry(const SimUseChangeNotice& notice, QJsonArray& 
     if (pending != documents_.cend())
         errors.append(Refusal(SimRefusal::StillVerified, u"Zwierzę %1 ma już zgłoszenie %2 w trakcie weryfikacji"_s.arg(
                                                              notice.tag, pending->number())));
+}
+
+bool SimRegistry::losesAnswers() const
+{
+    const SimFaults faults = options().faults;
+    return !faults.closeAfterUseChange.isEmpty() || !faults.resetAfterUseChange.isEmpty() ||
+           !faults.silenceAfterUseChange.isEmpty();
+}
+
+AnswerLoss SimRegistry::lossOf(const QByteArray& requestHead, const QByteArray& body) const
+{
+    if (!requestHead.startsWith("POST ") || !requestHead.left(requestHead.indexOf('\n')).contains("/ztuku"))
+        return AnswerLoss::None;
+    QJsonArray ignored;
+    const QString tag = ReadUseChange(body, ignored).tag;
+    const SimFaults faults = options().faults;
+    return faults.closeAfterUseChange.contains(tag)     ? AnswerLoss::Close
+           : faults.resetAfterUseChange.contains(tag)   ? AnswerLoss::Reset
+           : faults.silenceAfterUseChange.contains(tag) ? AnswerLoss::Silence
+                                                        : AnswerLoss::None;
 }
 
 // Called under the mutex.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "registry/sim/RegistrySimulator.h"
+#include "registry/sim/SimFrontDoor.h"
 #include "registry/sim/SimUseChange.h"
 
 #include <QHash>
@@ -26,6 +27,9 @@ public:
     void install(httplib::Server& server);
     SimStats stats() const;
     void setOptions(const SimOptions& options);
+    bool losesAnswers() const;
+    // How the answer to this request is lost on its way back, if it is.
+    AnswerLoss lossOf(const QByteArray& requestHead, const QByteArray& body) const;
 
 private:
     struct Answer {
@@ -48,7 +52,7 @@ private:
     Answer spoiledUseChange(const SimFaults& faults, const QString& tag) const;
     void checkInRegistry(const SimUseChangeNotice& notice, QJsonArray& errors);
     QString record(const SimUseChangeNotice& notice);
-    QJsonArray documentsOf(const QString& producerNumber, const QString& number, QStringList& tags) const;
+    QJsonArray documentsOf(const httplib::Request& request, QStringList& tags) const;
     void approveDue();
 
     const SimProducer* producer(const QString& number) const;

@@ -148,6 +148,11 @@ QString SimUseChangeDocument::number() const
     return document.value(u"numerDokumentu").toString();
 }
 
+QDateTime SimUseChangeDocument::received() const
+{
+    return QDateTime::fromString(document.value(u"dataZlozeniaDokumentu").toString(), u"yyyy-MM-dd'T'HH:mm:ss");
+}
+
 SimUseChangeDocument NewSimUseChangeDocument(const SimUseChangeNotice& notice, int counter)
 {
     const QString now = Timestamp();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QString>
@@ -61,6 +62,7 @@ struct SimUseChangeDocument {
     bool approved = false;
 
     QString number() const;
+    QDateTime received() const;
 };
 
 // A document of the counter's number, being verified from now on.

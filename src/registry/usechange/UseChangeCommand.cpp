@@ -4,6 +4,7 @@
 #include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/usechange/DocumentStatus.h"
+#include "registry/usechange/EarlierNotices.h"
 #include "registry/usechange/UseDirections.h"
 #include "reports/print/PrintCommands.h"
 
@@ -12,6 +13,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLockFile>
 #include <QTimer>
 
 #include <algorithm>
@@ -20,11 +22,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 const QString Caption = u"Zmiana kierunku użytkowania"_s;
+constexpr int JournalLockWaitMs = 3000;
 
 // "dla 1 zwierzęcia", "dla 3 zwierząt"
 QString Animals(int count)
 {
     return count == 1 ? u"1 zwierzęcia"_s : u"%1 zwierząt"_s.arg(count);
+}
+
+// "1 zwierzę", "3 zwierzęta", "5 zwierząt"
+QString AnimalsCounted(int count)
+{
+    const bool few = count % 10 >= 2 && count % 10 <= 4 && (count % 100 < 12 || count % 100 > 14);
+    return count == 1 ? u"1 zwierzę"_s : u"%1 %2"_s.arg(count).arg(few ? u"zwierzęta"_s : u"zwierząt"_s);
 }
 
 // "KB: " code "->" message "; " for every error of the answer.
@@ -57,6 +67,8 @@ UseChangeCommand::UseChangeCommand(HalvarnSession& session, TdmIRZ_PLUS& registr
     : session_(session), registry_(registry), prints_(prints)
 {}
 
+UseChangeCommand::~UseChangeCommand() = default;
+
 UseChangeResult UseChangeCommand::run()
 {
     session_.GatherCredentials();
@@ -83,19 +95,35 @@ void UseChangeCommand::change()
     if (!sameProducer())
         return;
     const std::optional<QString> code = session_.host().askUseDirection();
-    if (!code || code->isEmpty() || !confirm(marked, *code))
+    if (!code || code->isEmpty())
         return;
+    code_ = *code;
     step(u"Przygotowanie danych"_s);
-    const std::vector<UseChangeNotice> notices = collect(*code);
+    const std::vector<UseChangeNotice> notices = setAsideUnchanged(collect(code_), code_);
+    if (notices.empty()) {
+        result_.outcome = UseChangeOutcome::NothingToSend;
+        tellResult(marked);
+        return;
+    }
+    if (!lockJournal())
+        return;
+    const QHash<QString, EarlierNotice> earlier = readJournal(notices);
+    if (confirm(notices.size(), code_))
+        sendAll(notices, earlier, marked);
+}
+
+void UseChangeCommand::sendAll(std::vector<UseChangeNotice> notices, const QHash<QString, EarlierNotice>& earlier,
+                               int marked)
+{
     session_.tables().ClearTable(session_.tables().mdTUKU());
-    journal_.emplace(session_.dataFolder().useChangeJournal(), producer_);
     result_.outcome = UseChangeOutcome::Stopped;
     step(u"Logowanie"_s);
     if (!registry_.Authorize(session_.Login, session_.Password))
         return;
+    notices = reconcile(notices, earlier);
     if (send(notices))
         result_.outcome = UseChangeOutcome::Sent;
-    if (result_.accepted > 0 && !cancelled_) {
+    if (result_.accepted > 0 && !cancelled_ && !journalBroken_) {
         waitForRegistry();
         checkStatuses();
     }
@@ -128,10 +156,14 @@ bool UseChangeCommand::sameProducer() const
     return false;
 }
 
-bool UseChangeCommand::confirm(int count, const QString& code)
+bool UseChangeCommand::confirm(std::size_t count, const QString& code)
 {
-    QString question =
-        u"Wysłać zmianę kierunku użytkowania na „%1” dla %2?"_s.arg(UseDirectionName(code), Animals(count));
+    QString question = u"Wysłać zmianę kierunku użytkowania na „%1” dla %2?"_s.arg(UseDirectionName(code),
+                                                                                   Animals(static_cast<int>(count)));
+    if (!result_.unchanged.isEmpty())
+        question += u"\n\nPominięto %1, które już %2 ten kierunek użytkowania."_s.arg(
+            AnimalsCounted(static_cast<int>(result_.unchanged.size())),
+            result_.unchanged.size() == 1 ? u"ma"_s : u"mają"_s);
     if (testBranch())
         question += u"\n\nZgłoszenia trafią do gałęzi TESTOWEJ rejestru."_s;
     return session_.host().askYesNo(u"Pytanie"_s, question);
@@ -160,7 +192,73 @@ std::vector<UseChangeNotice> UseChangeCommand::collect(const QString& code) cons
     return notices;
 }
 
-// False when the user stopped before every notice was sent.
+// A notice that would change nothing is not sent.
+std::vector<UseChangeNotice> UseChangeCommand::setAsideUnchanged(std::vector<UseChangeNotice> notices,
+                                                                 const QString& code)
+{
+    const auto unchanged = std::stable_partition(notices.begin(), notices.end(),
+                                                 [&code](const UseChangeNotice& n) { return n.kuOld != code; });
+    for (auto notice = unchanged; notice != notices.end(); ++notice)
+        result_.unchanged.append(notice->animal);
+    notices.erase(unchanged, notices.end());
+    return notices;
+}
+
+// Two runs sending from one data folder would each miss what the other sent.
+bool UseChangeCommand::lockJournal()
+{
+    journalLock_ = std::make_unique<QLockFile>(session_.dataFolder().useChangeJournal() + u".lock"_s);
+    journalLock_->setStaleLockTime(0); // a long run is not stale; a dead holder's lock is taken over
+    if (journalLock_->tryLock(JournalLockWaitMs))
+        return true;
+    qint64 pid = 0;
+    QString hostName, application;
+    journalLock_->getLockInfo(&pid, &hostName, &application);
+    session_.host().showMessage(
+        Caption,
+        u"Zgłoszenia zmiany kierunku użytkowania wysyła już inne okno programu (PID %1). Spróbuj ponownie, gdy "
+        u"skończy."_s.arg(pid),
+        MessageIcon::Warning);
+    return false;
+}
+
+// What the journal says of the last notice of each animal about to be sent.
+QHash<QString, EarlierNotice> UseChangeCommand::readJournal(const std::vector<UseChangeNotice>& notices)
+{
+    journal_.emplace(session_.dataFolder().useChangeJournal(), producer_);
+    QSet<QString> animals;
+    for (const UseChangeNotice& notice : notices)
+        animals.insert(notice.animal);
+    return journal_->earlierNotices(animals);
+}
+
+// An animal whose last notice may have reached the registry, or is still being
+// decided there, is sent again only when the user says so, having seen the
+// producer's documents in the registry since that notice.
+std::vector<UseChangeNotice> UseChangeCommand::reconcile(const std::vector<UseChangeNotice>& notices,
+                                                         const QHash<QString, EarlierNotice>& earlier)
+{
+    QDate since;
+    for (const EarlierNotice& notice : earlier)
+        if (notice.mayStillApply() && (!since.isValid() || notice.sentAt.date() < since))
+            since = notice.sentAt.date();
+    if (!since.isValid())
+        return notices;
+    step(u"Sprawdzenie wcześniejszych zgłoszeń"_s);
+    const QString documents = DocumentsSince(registry_, producer_, since, testBranch());
+    std::vector<UseChangeNotice> toSend;
+    for (const UseChangeNotice& notice : notices) {
+        const auto found = earlier.constFind(notice.animal);
+        if (found == earlier.cend() || !found->mayStillApply() ||
+            session_.host().askToResend(ResendQuestion(notice, *found, documents)))
+            toSend.push_back(notice);
+        else
+            result_.withheld.append(notice.animal + u": "_s + DescribeEarlier(*found));
+    }
+    return toSend;
+}
+
+// False when not every notice was sent: the user stopped, the journal failed or the registry was out of reach.
 bool UseChangeCommand::send(const std::vector<UseChangeNotice>& notices)
 {
     session_.setProgress(2, 0, static_cast<int>(notices.size()));
@@ -169,24 +267,38 @@ bool UseChangeCommand::send(const std::vector<UseChangeNotice>& notices)
             cancelled_ = true;
             return false;
         }
+        if (journalBroken_ || unreachable_)
+            return false;
         sendOne(notice);
         session_.stepProgress(2);
     }
-    return !cancelled_;
+    return !cancelled_ && !journalBroken_ && !unreachable_;
 }
 
 // The notice is in the journal before it leaves. A client error status is a
-// refusal; an answer that never came, or a server error, leaves the notice
-// "not confirmed", since the registry may have received it.
+// refusal; an answer that did not arrive whole, or a server error, leaves the
+// notice "not confirmed", since the registry may have received it.
 void UseChangeCommand::sendOne(const UseChangeNotice& notice)
 {
-    journal_->append(notice, JournalEvent::Sent);
+    try {
+        journal_->append(notice, JournalEvent::Sent);
+    } catch (const JournalError& error) {
+        journalBroken_ = true;
+        result_.journalFailures.append(
+            u"Nie wysłano zgłoszenia zwierzęcia %1 ani następnych: %2"_s.arg(notice.animal, error.message()));
+        session_.appendError(result_.journalFailures.back());
+        return;
+    }
     ++sent_;
     step(u"Stado: "_s + notice.herd + u" - Wysyłanie zmiany"_s);
     QString answer;
     try {
         answer = registry_.SubmitUseChange(producer_, {}, notice.holding, u"BYD"_s, ToDateTime(QDate::currentDate()),
                                            notice.animal, notice.tuNew, notice.kuNew, testBranch());
+    } catch (const NoticeNotSent& failure) {
+        unreachable_ = true;
+        record(notice, JournalEvent::NotSent, failure.message());
+        return;
     } catch (const RequestCancelled& stop) {
         cancelled_ = true;
         record(notice, JournalEvent::Unconfirmed, stop.message());
@@ -218,19 +330,45 @@ void UseChangeCommand::analyse(const UseChangeNotice& notice, const QString& ans
     record(notice, event, komunikat, number, errors);
 }
 
-// The journal first, then the row, then the tally and the tick.
+// The row and the tally first, so an answer stays in mdTUKU and the result even
+// when the journal cannot keep it.
 void UseChangeCommand::record(const UseChangeNotice& notice, JournalEvent event, const QString& komunikat,
                               const QString& document, const QString& errors)
 {
-    journal_->append(notice, event, document, errors.isEmpty() ? komunikat : errors);
     appendRow(notice, komunikat, document, errors);
+    tally(notice, event);
+    keepInJournal(notice, event, document, errors.isEmpty() ? komunikat : errors);
+}
+
+void UseChangeCommand::tally(const UseChangeNotice& notice, JournalEvent event)
+{
     if (event == JournalEvent::Accepted) {
         ++result_.accepted;
         session_.tables().SetMarked(notice.row, false);
     } else if (event == JournalEvent::Refused) {
         result_.refused.append(notice.animal);
+    } else if (event == JournalEvent::NotSent) {
+        result_.notSent.append(notice.animal);
     } else {
         result_.unconfirmed.append(notice.animal);
+    }
+}
+
+// A journal that fails stops the sending; the document number it could not keep is told everywhere else.
+void UseChangeCommand::keepInJournal(const UseChangeNotice& notice, JournalEvent event, const QString& document,
+                                     const QString& text)
+{
+    try {
+        journal_->append(notice, event, document, text);
+    } catch (const JournalError& error) {
+        journalBroken_ = true;
+        result_.journalFailures.append(
+            event == JournalEvent::Accepted
+                ? u"Zgłoszenie zwierzęcia %1 przyjęte przez rejestr jako %2, ale nie zapisano go w dzienniku: %3"_s.arg(
+                      notice.animal, document, error.message())
+                : u"Odpowiedzi rejestru na zgłoszenie zwierzęcia %1 nie zapisano w dzienniku: %2"_s.arg(
+                      notice.animal, error.message()));
+        session_.appendError(result_.journalFailures.back());
     }
 }
 
@@ -341,14 +479,14 @@ void UseChangeCommand::checkStatus(int row)
     table.setValue(u"ST_OPIS", DocumentStatusText(code));
     table.post();
     session_.tables().restoreReadOnly(table);
-    journal_->append(notice, JournalEvent::Status, document, u"%1 %2"_s.arg(code).arg(DocumentStatusText(code)));
+    keepInJournal(notice, JournalEvent::Status, document, u"%1 %2"_s.arg(code).arg(DocumentStatusText(code)));
 }
 
 void UseChangeCommand::statusFailed(const UseChangeNotice& notice, const QString& document, const QString& text)
 {
     ++statusFailures_;
     session_.appendError(text + u" (dokument %1, zwierzę %2)"_s.arg(document, notice.animal));
-    journal_->append(notice, JournalEvent::Status, document, text);
+    keepInJournal(notice, JournalEvent::Status, document, text);
 }
 
 void UseChangeCommand::prepareReport()
@@ -361,25 +499,45 @@ void UseChangeCommand::prepareReport()
 
 void UseChangeCommand::tellResult(int marked)
 {
-    if (sent_ == 0)
+    const QStringList lines = resultLines(marked);
+    if (lines.isEmpty())
         return;
-    QStringList lines{u"Wysłano zgłoszeń: %1. Przyjęto: %2. Odrzucono: %3. Bez potwierdzenia: %4."_s.arg(sent_)
-                          .arg(result_.accepted)
-                          .arg(result_.refused.size())
-                          .arg(result_.unconfirmed.size())};
+    const bool clean = result_.refused.isEmpty() && result_.unconfirmed.isEmpty() && result_.withheld.isEmpty() &&
+                       result_.notSent.isEmpty() && result_.journalFailures.isEmpty() &&
+                       sent_ + result_.unchanged.size() == marked;
+    session_.host().showMessage(Caption, lines.join(u'\n'), clean ? MessageIcon::Information : MessageIcon::Warning);
+}
+
+QStringList UseChangeCommand::resultLines(int marked) const
+{
+    QStringList lines;
+    if (sent_ > 0)
+        lines.append(u"Wysłano zgłoszeń: %1. Przyjęto: %2. Odrzucono: %3. Bez potwierdzenia: %4."_s.arg(sent_)
+                         .arg(result_.accepted)
+                         .arg(result_.refused.size())
+                         .arg(result_.unconfirmed.size()));
+    lines += result_.journalFailures;
     if (!result_.refused.isEmpty())
         lines.append(u"Odrzucone (pozostały zaznaczone): "_s + result_.refused.join(u", "_s));
     if (!result_.unconfirmed.isEmpty())
         lines.append(u"Bez potwierdzenia rejestru (mogły do niego dotrzeć; sprawdź je przed ponownym wysłaniem): "_s +
                      result_.unconfirmed.join(u", "_s));
-    if (sent_ < marked)
-        lines.append(u"Przerwano: nie wysłano %1 z %2 zaznaczonych zwierząt."_s.arg(marked - sent_).arg(marked));
+    if (!result_.notSent.isEmpty())
+        lines.append(u"Nie wysłano (brak połączenia z rejestrem): "_s + result_.notSent.join(u", "_s));
+    if (!result_.unchanged.isEmpty())
+        lines.append(u"Nie wysłano, kierunek użytkowania już jest „%1”: %2"_s.arg(UseDirectionName(code_),
+                                                                                  result_.unchanged.join(u", "_s)));
+    for (const QString& withheld : result_.withheld)
+        lines.append(u"Nie wysłano ponownie: "_s + withheld);
+    const int handled = sent_ + static_cast<int>(result_.unchanged.size() + result_.withheld.size());
+    if (sent_ > 0 && handled < marked)
+        lines.append(u"Przerwano: nie wysłano %1 z %2 zaznaczonych zwierząt."_s.arg(marked - handled).arg(marked));
     if (statusFailures_ > 0)
         lines.append(u"Nie sprawdzono statusu %1 dokumentów (szczegóły w polu „Błąd”)."_s.arg(statusFailures_));
-    lines.append(u"Liczby w grupach nie zostały przeliczone: nowy kierunek użytkowania pojawi się po zatwierdzeniu "
-                 u"zgłoszenia przez rejestr i ponownym pobraniu danych."_s);
-    const bool clean = result_.refused.isEmpty() && result_.unconfirmed.isEmpty() && sent_ == marked;
-    session_.host().showMessage(Caption, lines.join(u'\n'), clean ? MessageIcon::Information : MessageIcon::Warning);
+    if (sent_ > 0)
+        lines.append(u"Liczby w grupach nie zostały przeliczone: nowy kierunek użytkowania pojawi się po "
+                     u"zatwierdzeniu zgłoszenia przez rejestr i ponownym pobraniu danych."_s);
+    return lines;
 }
 
 void UseChangeCommand::step(const QString& text)

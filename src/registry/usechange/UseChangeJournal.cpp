@@ -19,8 +19,40 @@ QString EventName(JournalEvent event)
     case JournalEvent::Refused: return u"ODRZUCONO"_s;
     case JournalEvent::Unconfirmed: return u"NIEPOTWIERDZONO"_s;
     case JournalEvent::Status: return u"STATUS"_s;
+    case JournalEvent::NotSent: return u"NIEWYSLANO"_s;
     }
     return {};
+}
+
+enum JournalField { When, Producer, Herd, Animal, TuOld, KuOld, TuNew, KuNew, Event, Document, Text, FieldCount };
+constexpr qint64 MaxLineBytes = 64 * 1024;
+
+// Approved, decided either way, issued or cancelled: the registry will not act on the document any more.
+bool FinalStatus(int code)
+{
+    return (code >= 7 && code <= 10) || code == 13 || code == 14;
+}
+
+// One line's event applied to the animal's last notice.
+void Apply(const QStringList& fields, EarlierNotice& notice)
+{
+    using Outcome = EarlierNotice::Outcome;
+    const QString& event = fields[Event];
+    if (event == u"WYSLANO") {
+        notice = {QDateTime::fromString(fields[When], u"yyyy-MM-dd HH:mm:ss"), fields[KuNew], {}, Outcome::Unanswered};
+    } else if (event == u"PRZYJETO") {
+        notice.document = fields[Document];
+        notice.outcome = Outcome::AcceptedOpen;
+    } else if (event == u"NIEPOTWIERDZONO") {
+        notice.outcome = Outcome::Unconfirmed;
+    } else if (event == u"ODRZUCONO" || event == u"NIEWYSLANO") {
+        notice.outcome = Outcome::Settled;
+    } else if (event == u"STATUS" && fields[Document] == notice.document) {
+        bool number = false;
+        const int code = fields[Text].section(u' ', 0, 0).toInt(&number);
+        if (number && FinalStatus(code))
+            notice.outcome = Outcome::Settled;
+    }
 }
 
 // A value never breaks its line or adds a field.
@@ -60,4 +92,25 @@ void UseChangeJournal::append(const UseChangeNotice& notice, JournalEvent event,
                          file.flush() && ::fsync(file.handle()) == 0;
     if (!written)
         throw JournalError(u"Nie można zapisać dziennika zgłoszeń \"%1\": %2"_s.arg(path_, file.errorString()));
+}
+
+QHash<QString, EarlierNotice> UseChangeJournal::earlierNotices(const QSet<QString>& animals) const
+{
+    QHash<QString, EarlierNotice> notices;
+    QFile file(path_);
+    if (!file.exists())
+        return notices;
+    if (!file.open(QIODevice::ReadOnly))
+        throw JournalError(u"Nie można odczytać dziennika zgłoszeń \"%1\": %2"_s.arg(path_, file.errorString()));
+    for (int number = 1; !file.atEnd(); ++number) {
+        const QByteArray line = file.readLine(MaxLineBytes);
+        const QStringList fields = FromCp1250(line.chopped(line.endsWith("\r\n") ? 2 : 0)).split(u';');
+        if (!line.endsWith("\r\n") || fields.size() != FieldCount)
+            throw JournalError(u"Dziennik zgłoszeń \"%1\" jest uszkodzony (wiersz %2). Nie wysłano żadnego zgłoszenia: "
+                               u"sprawdź dziennik, zanim wyślesz zgłoszenia ponownie."_s.arg(path_)
+                                   .arg(number));
+        if (fields[Producer] == producer_ && animals.contains(fields[Animal]))
+            Apply(fields, notices[fields[Animal]]);
+    }
+    return notices;
 }

@@ -25,6 +25,9 @@ public:
     std::vector<Shown> messages;
     QStringList questions;
     bool answerYes = true;
+    std::function<void()> whenAsked; // runs while a question is open
+    QStringList cautiousQuestions;   // asked with No as the default answer
+    bool answerCautiousYes = false;
     std::optional<QString> herdChoice = u"ALL"_s;
     std::optional<QString> directionChoice;
     std::optional<ChosenProducer> producerChoice;
@@ -45,7 +48,14 @@ public:
     bool question(const QString&, const QString& text) override
     {
         questions.append(text);
+        if (whenAsked)
+            whenAsked();
         return answerYes;
+    }
+    bool cautiousQuestion(const QString&, const QString& text) override
+    {
+        cautiousQuestions.append(text);
+        return answerCautiousYes;
     }
     std::optional<QString> herd() override { return herdChoice; }
     std::optional<QString> useDirection() override { return directionChoice; }

@@ -10,9 +10,12 @@
 #include "support/Files.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -225,6 +228,47 @@ private Q_SLOTS:
         for (int row : {0, 1})
             QVERIFY(!AsBoolean(animals.at(row, animals.requireField(u"ZAZNACZONE"))));
         QVERIFY(!window_->operationRunning());
+    }
+
+    // Presses while the question is open, a key repeat included, start nothing:
+    // the two ticked animals go to the registry once.
+    void pressesDuringTheCommandSendOneBatch()
+    {
+        IniFile(folder().settingsFile()).writeInteger(u"TUKU"_s, u"WaitSeconds"_s, 0);
+        for (int row : {2, 3}) // not sent by an earlier test
+            tables().SetMarked(row, true);
+        const auto& answers = window_->session().answers;
+        for (const QString& code : {u"OP"_s, u"MIOP"_s, u"MI"_s}) // one that changes both animals
+            if (answers[2].useDirection != code && answers[3].useDirection != code)
+                dialogs_->directionChoice = code;
+        auto* button = window_->findChild<QPushButton*>(u"cxButton3"_s);
+        dialogs_->whenAsked = [button] {
+            QVERIFY(!button->isEnabled());
+            button->click();
+            QTest::keyClick(button, Qt::Key_Space, Qt::NoModifier);
+        };
+        const qsizetype questions = dialogs_->questions.size();
+        const int sent = registry_->stats().useChangeRequests;
+        click("cxButton3");
+        dialogs_->whenAsked = nullptr;
+        click("cxButton3"); // after the batch: the accepted animals are no longer ticked
+        QCOMPARE(dialogs_->questions.size(), questions + 1);
+        QCOMPARE(registry_->stats().useChangeRequests, sent + 2);
+        QVERIFY(dialogs_->texts().last().startsWith(u"Nie wybrano pozycji do zmiany"_s));
+    }
+
+    // The question before sending again what may have reached the registry answers No to Enter.
+    void theResendQuestionDefaultsToNo()
+    {
+        QString defaultButton;
+        QTimer::singleShot(0, this, [&defaultButton] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            QVERIFY(box);
+            defaultButton = box->defaultButton()->text();
+            QTest::keyClick(box, Qt::Key_Return);
+        });
+        QVERIFY(!ModalDialogs(window_.get()).cautiousQuestion(u"Pytanie"_s, u"Wysłać zgłoszenie ponownie?"_s));
+        QCOMPARE(defaultButton, u"Nie"_s);
     }
 };
 

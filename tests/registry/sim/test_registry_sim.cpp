@@ -164,11 +164,16 @@ QByteArray ReversedBody(const QString& tag)
         .replace("TAG", tag.toUtf8());
 }
 
-QJsonArray DocumentList(Client& client, const QString& producer, const QString& number = {})
+QJsonArray DocumentList(Client& client, const QString& producer, const QString& number = {}, QDate from = {},
+                        QDate to = {})
 {
     QString path = u"/api/dokumenty/dokument/api/test/listaDokumentow?numerProducenta="_s + producer;
     if (!number.isEmpty())
         path += u"&numerDokumentu="_s + number;
+    if (from.isValid())
+        path += u"&dataPrzyjeciaOd="_s + from.toString(u"yyyy-MM-dd");
+    if (to.isValid())
+        path += u"&dataPrzyjeciaDo="_s + to.toString(u"yyyy-MM-dd");
     return client.get(path).json().value(u"dokumenty").toArray();
 }
 
@@ -345,12 +350,21 @@ void TestRegistrySim::faultOptionsOfTheProgram()
     QVERIFY(none.httpErrorUseChange.isEmpty() && none.slowUseChange.isEmpty() && none.komunikatDocuments.isEmpty());
     QVERIFY(parser.parse(u"halvarn-registry-sim --fail-use-change T1 --komunikat-use-change T2 "
                          u"--no-number-use-change T3 --slow-use-change T4 --slow-use-change=T5 "
-                         u"--fail-document T6 --komunikat-document T7"_s.split(u' ')));
+                         u"--fail-document T6 --komunikat-document T7 --close-after-use-change T8 "
+                         u"--reset-after-use-change T9 --silence-after-use-change T10"_s.split(u' ')));
     const SimFaults n = FaultsFrom(parser);
-    const QList<QSet<QString>> useChangeSets{n.httpErrorUseChange, n.komunikatUseChange, n.noNumberUseChange,
-                                             n.slowUseChange,      n.httpErrorDocuments, n.komunikatDocuments};
-    QCOMPARE(useChangeSets,
-             (QList<QSet<QString>>{{u"T1"_s}, {u"T2"_s}, {u"T3"_s}, {u"T4"_s, u"T5"_s}, {u"T6"_s}, {u"T7"_s}}));
+    const QList<QSet<QString>> useChangeSets{n.httpErrorUseChange,  n.komunikatUseChange,  n.noNumberUseChange,
+                                             n.slowUseChange,       n.httpErrorDocuments,  n.komunikatDocuments,
+                                             n.closeAfterUseChange, n.resetAfterUseChange, n.silenceAfterUseChange};
+    QCOMPARE(useChangeSets, (QList<QSet<QString>>{{u"T1"_s},
+                                                  {u"T2"_s},
+                                                  {u"T3"_s},
+                                                  {u"T4"_s, u"T5"_s},
+                                                  {u"T6"_s},
+                                                  {u"T7"_s},
+                                                  {u"T8"_s},
+                                                  {u"T9"_s},
+                                                  {u"T10"_s}}));
 }
 
 void TestRegistrySim::useChangeNoticesAreValidated_data()
@@ -572,6 +586,7 @@ void TestRegistrySim::documentListFaults()
     QCOMPARE(DocumentList(client, Producer, number).size(), 1);
 }
 
+// Documents filter by producer, number and the dates they were received.
 void TestRegistrySim::documentListsFilterByProducerAndNumber()
 {
     SimDataset data = Demo();
@@ -599,6 +614,10 @@ void TestRegistrySim::documentListsFilterByProducerAndNumber()
     QCOMPARE(numbers(neighbour.numerProducenta, {}), QStringList{neighbours});
     QCOMPARE(numbers(Producer, second), QStringList{second});
     QCOMPARE(numbers(Producer, neighbours), QStringList());
+    const QDate today = QDate::currentDate();
+    QCOMPARE(DocumentList(client, Producer, {}, today, today).size(), 2);
+    QCOMPARE(DocumentList(client, Producer, {}, today.addDays(1)).size(), 0);
+    QCOMPARE(DocumentList(client, Producer, {}, {}, today.addDays(-1)).size(), 0);
     QVERIFY(client.get(u"/api/dokumenty/dokument/api/prod/listaDokumentow?numerProducenta=1"_s)
                 .json()
                 .contains(u"komunikat"));
