@@ -23,6 +23,10 @@ RegistrySimulator::RegistrySimulator(SimDataset data, SimOptions options)
 {
     server_->http.new_task_queue = [] { return new httplib::ThreadPool(16); }; // httplib takes ownership
     server_->http.set_tcp_nodelay(true); // answers go out at once, as a real registry's would
+    // Every answer closes its connection ("Connection: close"). The program's
+    // network manager lives as long as the program, and an idle connection it
+    // kept open would hold the simulator's stop until the keep-alive ran out.
+    server_->http.set_keep_alive_max_count(1);
     server_->registry.install(server_->http);
 }
 
