@@ -55,7 +55,8 @@ int RunUseChange(HalvarnSession& session, TdmIRZ_PLUS& registry, CliHost& host, 
     const bool printed =
         !result.report || options.pdfDir.isEmpty() ||
         WritePrintPdf(*result.report, options.pdfDir, PrintCommands::useChangeTemplateName(), session.ProducerNumber);
-    if (!printed || (result.outcome != UseChangeOutcome::Sent && result.outcome != UseChangeOutcome::NothingToSend))
+    const bool ended = result.outcome == UseChangeOutcome::Sent || result.outcome == UseChangeOutcome::NothingToSend;
+    if (!printed || !ended || !result.journalFailures.isEmpty())
         return StoppedEarly;
     const bool all = result.refused.isEmpty() && result.unconfirmed.isEmpty() && result.withheld.isEmpty();
     return all ? AllAccepted : NotAllAccepted;

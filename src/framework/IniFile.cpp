@@ -1,9 +1,11 @@
 #include "framework/IniFile.h"
 
 #include "framework/Cp1250.h"
+#include "framework/FileLock.h"
 #include "framework/SafeFile.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -133,8 +135,20 @@ void IniFile::writeInteger(const QString& section, const QString& key, int value
     writeString(section, key, QString::number(value));
 }
 
+// Another window or command may have changed the file since it was read: the
+// change is made to the file as it is now, by one writer at a time.
+FileLock IniFile::lockAndReload()
+{
+    const QString busy =
+        u"Plik ustawień \"%1\" zapisuje w tej chwili inne okno programu"_s.arg(QFileInfo(path_).fileName());
+    FileLock lock(path_, busy + u" (PID %1)"_s);
+    load();
+    return lock;
+}
+
 void IniFile::writeString(const QString& section, const QString& key, const QString& value)
 {
+    const FileLock lock = lockAndReload();
     auto target = std::find_if(sections_.begin(), sections_.end(),
                                [&section](const Section& s) { return !s.name.isNull() && SameName(s.name, section); });
     if (target == sections_.end()) {
@@ -153,6 +167,7 @@ void IniFile::writeString(const QString& section, const QString& key, const QStr
 
 void IniFile::eraseSection(const QString& section)
 {
+    const FileLock lock = lockAndReload();
     const auto erased = std::erase_if(
         sections_, [&section](const Section& s) { return !s.name.isNull() && SameName(s.name, section); });
     if (erased > 0)

@@ -8,8 +8,9 @@
 // An initialisation file in Windows-1250: sections in brackets, key=value lines.
 // A file that starts with a UTF-8 byte-order mark is read as UTF-8.
 // Names compare without regard to case. Every write saves the file at once
-// (CRLF line ends); a missing file or key gives the default, and a line that is
-// neither a section, a key nor a comment is skipped but kept.
+// (CRLF line ends), whole or not at all, applied to the file as it is then and
+// one writer at a time; a missing file or key gives the default, and a line
+// that is neither a section, a key nor a comment is skipped but kept.
 class IniFile {
 public:
     explicit IniFile(QString path);
@@ -45,6 +46,7 @@ private:
 
     void load();
     void save() const;
+    class FileLock lockAndReload();
     const Section* findSection(const QString& name) const;
     const QString* findValue(const QString& section, const QString& key) const;
 

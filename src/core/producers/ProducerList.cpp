@@ -1,18 +1,20 @@
 #include "core/producers/ProducerList.h"
 
 #include "framework/Cp1250.h"
+#include "framework/FileLock.h"
 #include "framework/IniFile.h"
 #include "framework/SafeFile.h"
 
 #include <QFile>
 
 #include <algorithm>
-#include <unistd.h>
+#include <iterator>
 
 namespace {
 const QString Question = u"Pytanie"_s;
 const QString ErrorCaption = u"Błąd"_s;
 const QString Warning = u"Uwaga"_s;
+constexpr qint64 MaxListBytes = 64 << 20;
 
 QString Sibling(const DataFolder& folder, const char* extension)
 {
@@ -24,6 +26,13 @@ QString Sibling(const DataFolder& folder, const char* extension)
     throw ProducerListError(u"%1 \"%2\": %3"_s.arg(what, file.fileName(), file.errorString()));
 }
 
+// A small file whole; empty when it cannot be read.
+QByteArray ReadAll(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.read(MaxListBytes) : QByteArray();
+}
+
 std::vector<ProducerRecord> ReadRecords(const QString& path, qint64& tornBytes)
 {
     tornBytes = 0;
@@ -32,6 +41,8 @@ std::vector<ProducerRecord> ReadRecords(const QString& path, qint64& tornBytes)
         return {};
     if (!file.open(QIODevice::ReadOnly))
         Fail(u"Nie można otworzyć listy kontrahentów"_s, file);
+    if (file.size() > MaxListBytes)
+        throw ProducerListError(u"Lista kontrahentów \"%1\" jest za duża (%2 bajtów)"_s.arg(path).arg(file.size()));
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)
         Fail(u"Nie można odczytać listy kontrahentów"_s, file);
@@ -44,11 +55,12 @@ std::vector<ProducerRecord> ReadRecords(const QString& path, qint64& tornBytes)
     return records;
 }
 
-// Written and synced, so a record reported as saved is on the disk.
-void WriteSynced(QFile& file, const QByteArray& bytes)
+QByteArray Encoded(const std::vector<ProducerRecord>& records)
 {
-    if (file.write(bytes) != bytes.size() || !file.flush() || ::fsync(file.handle()) != 0)
-        Fail(u"Nie można zapisać listy kontrahentów"_s, file);
+    QByteArray bytes;
+    for (const ProducerRecord& record : records)
+        bytes += EncodeProducerRecord(record);
+    return bytes;
 }
 
 bool AnyPassword(const std::vector<ProducerRecord>& records)
@@ -64,6 +76,8 @@ ProducerList::ProducerList(DataFolder folder, UserPrompts& prompts)
 void ProducerList::open()
 {
     load();
+    if (QFile::exists(Sibling(folder_, ".SAV")))
+        offerToRestoreBackup();
     if (tornBytes_ > 0)
         prompts_.showMessage(Warning,
                              u"Plik listy kontrahentów \"KNTRH_V002.DAT\" jest uszkodzony: na jego końcu jest niepełna "
@@ -89,58 +103,66 @@ const ProducerRecord* ProducerList::find(qint32 id) const
     return found == records_.end() ? nullptr : &*found;
 }
 
+FileLock ProducerList::lock() const
+{
+    return FileLock(folder_.producerListFile(), u"Lista kontrahentów jest otwarta w innym oknie programu (PID %1)"_s);
+}
+
+// Under the lock: the list and its key as another window may have left them.
+void ProducerList::reloadWithKey()
+{
+    key_ = ProducerKey::open(folder_);
+    load();
+}
+
 std::optional<qint32> ProducerList::add(const ProducerEntry& entry)
 {
-    load();
+    const FileLock locked = lock();
+    reloadWithKey();
     if (!readyToWrite(!entry.password.isEmpty()))
         return std::nullopt;
     qint32 largest = 0;
     for (const ProducerRecord& record : records_)
         largest = std::max(largest, record.id);
     const qint32 id = largest + 1;
-    QFile file(folder_.producerListFile());
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
-        Fail(u"Nie można otworzyć listy kontrahentów"_s, file);
-    WriteSynced(file, encode(id, entry));
-    file.close();
+    std::vector<ProducerRecord> records = records_;
+    records.push_back(encode(id, entry));
+    write(std::move(records));
     load();
     return id;
 }
 
 bool ProducerList::edit(qint32 id, const ProducerEntry& entry)
 {
-    load();
+    const FileLock locked = lock();
+    reloadWithKey();
     if (!readyToWrite(!entry.password.isEmpty()))
         return false;
-    QFile file(folder_.producerListFile());
-    if (file.exists() && !file.open(QIODevice::ReadWrite))
-        Fail(u"Nie można otworzyć listy kontrahentów"_s, file);
-    for (qint64 at = 0; file.isOpen() && at + ProducerRecordSize <= file.size(); at += ProducerRecordSize) {
-        file.seek(at);
-        const QByteArray bytes = file.read(ProducerRecordSize);
-        const ProducerRecord stored = DecodeProducerRecord(bytes.constData());
-        if (stored.id != id)
-            continue;
-        QByteArray record = encode(id, entry);
-        // A password that cannot be read shows as empty; left empty, it stays as stored.
-        if (entry.password.isEmpty() && !key_.ready())
-            record = EncodeProducerRecord(
-                {id, entry.name, entry.login, stored.password, entry.producerNumber, entry.limits});
-        file.seek(at);
-        WriteSynced(file, record);
-        file.close();
-        load();
-        return true;
+    std::vector<ProducerRecord> records = records_;
+    const auto stored = std::find_if(records.begin(), records.end(), [id](const auto& r) { return r.id == id; });
+    if (stored == records.end()) {
+        prompts_.showMessage(ErrorCaption, u"Błąd odnalezienia edytowanej pozycji"_s, MessageIcon::Error);
+        return false;
     }
-    prompts_.showMessage(ErrorCaption, u"Błąd odnalezienia edytowanej pozycji"_s, MessageIcon::Error);
-    return false;
+    // A password that cannot be read shows as empty; left empty, it stays as
+    // stored, and so does one left as it was.
+    const bool unreadable = entry.password.isEmpty() && !key_.ready();
+    const bool unchanged =
+        key_.ready() && !stored->password.isEmpty() && this->entry(*stored).password == entry.password;
+    *stored = unreadable || unchanged
+                  ? ProducerRecord{id, entry.name, entry.login, stored->password, entry.producerNumber, entry.limits}
+                  : encode(id, entry);
+    write(std::move(records));
+    load();
+    return true;
 }
 
 bool ProducerList::remove(qint32 id)
 {
     if (!prompts_.askYesNo(Question, u"Czy usunąć pozycje"_s))
         return false;
-    load();
+    const FileLock locked = lock();
+    reloadWithKey();
     if (!readyToWrite(false))
         return false;
     const bool removed = removeRecord(id);
@@ -148,39 +170,50 @@ bool ProducerList::remove(qint32 id)
     return removed;
 }
 
-// Through a backup and a work file: a deletion that fails half-way leaves the
-// backup in place, and the next deletion asks about it.
+// Through a backup and a work file, each written whole: a deletion cut short at
+// any step leaves the old list or the new one in place and the backup beside
+// it, which the next opening offers to restore and the next deletion asks about.
 bool ProducerList::removeRecord(qint32 id)
 {
-    const QString data = folder_.producerListFile();
     const QString backup = Sibling(folder_, ".SAV");
-    const QString work = Sibling(folder_, ".~DAT");
     if (QFile::exists(backup) &&
         !prompts_.askYesNo(
             Question, u"Znaleziono nie usunięte zabezpieczenie. Nadpisac? (Nie nadpisanie przerwie proces zapisu)"_s))
         return false;
-    QFile::remove(backup);
-    if (!QFile::copy(data, backup)) {
-        prompts_.showMessage(ErrorCaption, u"Bląd tworzenia zabezpieczenia"_s, MessageIcon::Error);
-        return false;
-    }
-    QByteArray kept;
-    for (const ProducerRecord& record : records_)
-        if (record.id != id)
-            kept += EncodeProducerRecord(record);
-    QFile workFile(work);
-    if (!workFile.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        Fail(u"Nie można utworzyć pliku roboczego listy kontrahentów"_s, workFile);
-    WriteSynced(workFile, kept);
-    workFile.close();
     try {
-        WriteFileAtomically(data, kept);
-    } catch (const FileWriteError&) {
-        prompts_.showMessage(ErrorCaption, u"Bląd zapisu"_s, MessageIcon::Error);
+        WriteFileAtomically(backup, Encoded(records_)); // the file as it is: a torn tail was cut before
+    } catch (const FileWriteError& failure) {
+        prompts_.showMessage(ErrorCaption, u"Bląd tworzenia zabezpieczenia\n\n"_s + failure.message(),
+                             MessageIcon::Error);
+        return false;
+    }
+    std::vector<ProducerRecord> kept;
+    std::copy_if(records_.begin(), records_.end(), std::back_inserter(kept),
+                 [id](const auto& r) { return r.id != id; });
+    writeWhole(Sibling(folder_, ".~DAT"), Encoded(kept));
+    try {
+        write(kept, false);
+    } catch (const ProducerListError& failure) {
+        prompts_.showMessage(ErrorCaption, u"Bląd zapisu\n\n"_s + failure.message(), MessageIcon::Error);
         return false;
     }
     QFile::remove(backup);
+    key_.forgetNoncesBut(kept);
     return true;
+}
+
+// A deletion was cut short: its backup holds the list as it was before.
+void ProducerList::offerToRestoreBackup()
+{
+    if (!prompts_.askYesNo(Question, u"Usuwanie pozycji z listy kontrahentów zostało przerwane. Przywrócić listę "
+                                     u"sprzed usuwania z zabezpieczenia \"KNTRH_V002.SAV\"? (Nie: lista zostaje "
+                                     u"taka, jaka jest teraz)"_s))
+        return;
+    const FileLock locked = lock();
+    const QString backup = Sibling(folder_, ".SAV");
+    writeWhole(folder_.producerListFile(), ReadAll(backup));
+    QFile::remove(backup);
+    load();
 }
 
 ProducerEntry ProducerList::entry(const ProducerRecord& record) const
@@ -191,12 +224,46 @@ ProducerEntry ProducerList::entry(const ProducerRecord& record) const
     return entry;
 }
 
-QByteArray ProducerList::encode(qint32 id, const ProducerEntry& entry) const
+ProducerRecord ProducerList::encode(qint32 id, const ProducerEntry& entry)
 {
     const QByteArray password = ToCp1250(entry.password.left(30));
-    return EncodeProducerRecord({id, entry.name, entry.login,
-                                 password.isEmpty() ? QByteArray() : key_.encipher(id, password), entry.producerNumber,
-                                 entry.limits});
+    return {id,
+            entry.name,
+            entry.login,
+            password.isEmpty() ? QByteArray() : key_.encipher(id, password),
+            entry.producerNumber,
+            entry.limits};
+}
+
+// The key file first learns the new nonces, then the list is replaced whole,
+// then the key forgets the nonces no record uses: whichever list a failure
+// leaves, its passwords can be read. Passwords of the time before nonces get
+// one on the way.
+void ProducerList::write(std::vector<ProducerRecord> records, bool forgetUnusedNonces)
+{
+    if (key_.ready()) {
+        for (ProducerRecord& record : records)
+            if (!record.password.isEmpty() && !key_.knows(record))
+                record.password = key_.encipher(record.id, key_.decipher(record.id, record.password));
+        key_.rememberNonces();
+    }
+    writeWhole(folder_.producerListFile(), Encoded(records));
+    if (key_.ready() && forgetUnusedNonces) {
+        try {
+            key_.forgetNoncesBut(records);
+        } catch (const ProducerListError&) {
+            // A nonce too many harms nothing; the next change forgets it.
+        }
+    }
+}
+
+void ProducerList::writeWhole(const QString& path, const QByteArray& bytes) const
+{
+    try {
+        WriteFileAtomically(path, bytes);
+    } catch (const FileWriteError& failure) {
+        throw ProducerListError(failure.message());
+    }
 }
 
 // A torn file is cut to its whole records only when the user agrees; a key is
@@ -220,13 +287,8 @@ bool ProducerList::cutTornTail()
                       u"dotychczasowy plik zostanie zachowany jako \"KNTRH_V002.BAD\". Kontynuować?"_s.arg(tornBytes_)))
         return false;
     const QString data = folder_.producerListFile();
-    const QString kept = Sibling(folder_, ".BAD");
-    QFile::remove(kept);
-    QFile file(data);
-    if (!file.copy(kept))
-        Fail(u"Nie można zachować uszkodzonej listy kontrahentów"_s, file);
-    if (!file.resize(file.size() - tornBytes_))
-        Fail(u"Nie można naprawić listy kontrahentów"_s, file);
+    writeWhole(Sibling(folder_, ".BAD"), ReadAll(data));
+    writeWhole(data, Encoded(records_));
     load();
     return true;
 }
@@ -239,16 +301,10 @@ bool ProducerList::renewKey()
                                      u"utworzy nowy klucz, a hasła pozostałych pozycji zostaną usunięte i trzeba "
                                      u"będzie je wpisać ponownie. Kontynuować?"_s.arg(key_.problem())))
         return false;
-    QByteArray emptied;
-    for (ProducerRecord record : records_) {
+    std::vector<ProducerRecord> emptied = records_;
+    for (ProducerRecord& record : emptied)
         record.password.clear();
-        emptied += EncodeProducerRecord(record);
-    }
-    try {
-        WriteFileAtomically(folder_.producerListFile(), emptied);
-    } catch (const FileWriteError& error) {
-        throw ProducerListError(error.message());
-    }
+    writeWhole(folder_.producerListFile(), Encoded(emptied));
     key_ = ProducerKey::make(folder_);
     load();
     return true;

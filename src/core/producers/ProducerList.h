@@ -31,15 +31,18 @@ struct ChosenProducer {
 };
 
 // The producer list "KNTRH_V002.DAT": fixed records read in file order, a new
-// entry appended with the largest ID + 1, an edit written over its record, a
-// deletion through the backup ".SAV" and the work file ".~DAT". Questions and
-// messages go to the prompts in the program's own words.
+// entry added at the end with the largest ID + 1, an edit written over its
+// record, a deletion through the backup ".SAV" and the work file ".~DAT".
+// Every change rewrites the file whole or not at all, one writer at a time
+// across the program's processes, on the list as it is on the disk then.
+// Questions and messages go to the prompts in the program's own words.
 class ProducerList {
 public:
     ProducerList(DataFolder folder, UserPrompts& prompts);
 
     // Reads the file and tells the user once of a torn file or of passwords that
-    // cannot be read with the key at hand.
+    // cannot be read with the key at hand; offers to restore the list a deletion
+    // cut short left in its backup.
     void open();
     // Reads the file again, silently (after every change).
     void load();
@@ -62,11 +65,16 @@ public:
     ProducerEntry entry(const ProducerRecord& record) const;
 
 private:
+    class FileLock lock() const;
+    void reloadWithKey();
     bool readyToWrite(bool newPassword);
     bool renewKey();
     bool cutTornTail();
-    QByteArray encode(qint32 id, const ProducerEntry& entry) const;
+    ProducerRecord encode(qint32 id, const ProducerEntry& entry);
+    void write(std::vector<ProducerRecord> records, bool forgetUnusedNonces = true);
+    void writeWhole(const QString& path, const QByteArray& bytes) const;
     bool removeRecord(qint32 id);
+    void offerToRestoreBackup();
 
     DataFolder folder_;
     UserPrompts& prompts_;

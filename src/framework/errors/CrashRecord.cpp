@@ -43,6 +43,7 @@ constexpr std::array<int, 5> FatalSignals{SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGI
 
 // Written before the handler is installed and only read inside it.
 std::array<char, 4096> RecordPath{};
+std::array<char, 4096 + 4> TemporaryPath{}; // the record is whole under its name, or not there
 std::array<char, 512> TerminateMessage{};
 std::array<Module, MaxModules> Modules{};
 // A stack overflow leaves no stack for the handler; it runs on this one.
@@ -50,15 +51,20 @@ std::array<char, 1 << 16> HandlerStack{};
 
 void OnFatalSignal(int signal)
 {
-    const int fd = ::open(RecordPath.data(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    const int fd = ::open(TemporaryPath.data(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     if (fd >= 0) {
         const auto put = [fd](const void* data, std::size_t size) {
             return ::write(fd, data, size) == static_cast<ssize_t>(size);
         };
-        if (put(Magic.data(), Magic.size()) && put(&signal, sizeof signal) &&
-            put(TerminateMessage.data(), TerminateMessage.size()) && put(Modules.data(), sizeof Modules))
+        bool written = put(Magic.data(), Magic.size()) && put(&signal, sizeof signal) &&
+                       put(TerminateMessage.data(), TerminateMessage.size()) && put(Modules.data(), sizeof Modules);
+        if (written)
             WriteRawStack(fd, 2); // this handler and the kernel's return path
-        ::close(fd);
+        written = written && ::fsync(fd) == 0;
+        if (::close(fd) == 0 && written)
+            ::rename(TemporaryPath.data(), RecordPath.data());
+        else
+            ::unlink(TemporaryPath.data());
     }
     ::signal(signal, SIG_DFL);
     ::raise(signal);
@@ -136,6 +142,8 @@ void InstallCrashRecorder(const QString& path)
     if (installed || static_cast<std::size_t>(native.size()) >= RecordPath.size())
         return;
     std::copy(native.begin(), native.end(), RecordPath.begin());
+    const QByteArray temporary = native + ".tmp";
+    std::copy(temporary.begin(), temporary.end(), TemporaryPath.begin());
     const std::vector<Module> modules = LoadedModules();
     std::copy_n(modules.begin(), std::min(modules.size(), MaxModules), Modules.begin());
     stack_t alternate{};

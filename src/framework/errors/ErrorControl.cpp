@@ -54,8 +54,9 @@ void ErrorControl::handle(const std::exception_ptr& error)
 void ErrorControl::report(const CaughtError& error)
 {
     const QString screenshot = takeScreenshot();
-    const QString text = composeReport(error, QFileInfo(screenshot).fileName());
-    ErrorLog(settings_.logPath).append(text);
+    QString text = composeReport(error, QFileInfo(screenshot).fileName());
+    if (const QString failure = ErrorLog(settings_.logPath).append(text); !failure.isEmpty())
+        text += u"\n\nRaportu nie dopisano do dziennika błędów. "_s + failure;
     host_.showReport(text, screenshot);
 }
 

@@ -1,6 +1,7 @@
 #include "framework/errors/ErrorLog.h"
 
 #include "framework/Cp1250.h"
+#include "framework/SafeFile.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -21,7 +22,7 @@ QString SystemUserName()
     return entry ? QString::fromLocal8Bit(entry->pw_name) : QString();
 }
 
-bool ErrorLog::append(const QString& report) const
+QString ErrorLog::append(const QString& report) const
 {
     rotate();
     const QDateTime now = QDateTime::currentDateTime();
@@ -32,9 +33,12 @@ bool ErrorLog::append(const QString& report) const
         header += u"User: %1 "_s.arg(user);
     QString text = header + u"\n"_s + report + u"\n"_s;
     text.replace(u"\r\n"_s, u"\n"_s).replace(u'\n', u"\r\n"_s);
-    QFile file(path_);
-    const QByteArray bytes = ToCp1250(text);
-    return file.open(QIODevice::WriteOnly | QIODevice::Append) && file.write(bytes) == bytes.size();
+    try {
+        AppendDurably(path_, ToCp1250(text));
+        return {};
+    } catch (const FileWriteError& failure) {
+        return failure.message();
+    }
 }
 
 void ErrorLog::rotate() const

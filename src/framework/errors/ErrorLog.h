@@ -13,7 +13,8 @@ public:
     explicit ErrorLog(QString path) : path_(std::move(path)) {}
 
     // False when the log cannot be written; an error report must not fail for it.
-    bool append(const QString& report) const;
+    // Empty when the report is on the disk; else why not (the log is then as it was).
+    QString append(const QString& report) const;
 
     const QString& path() const { return path_; }
 

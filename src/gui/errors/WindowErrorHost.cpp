@@ -2,10 +2,12 @@
 
 #include "framework/DataFolder.h"
 #include "framework/HalvarnError.h"
+#include "framework/SafeFile.h"
 #include "framework/mail/MailSettings.h"
 #include "framework/mail/SmtpSender.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QMessageBox>
 #include <QPainter>
 #include <QPixmap>
@@ -99,7 +101,16 @@ bool WindowErrorHost::saveScreenshot(const QString& path)
     for (QWidget* window : windows)
         painter.drawPixmap(window->geometry().topLeft() - area.topLeft(), window->grab());
     painter.end();
-    return picture.save(path, "JPG", 85);
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "JPG", 85))
+        return false;
+    try {
+        WriteFileAtomically(path, jpeg, FileAccess::Private);
+        return true;
+    } catch (const FileWriteError&) {
+        return false;
+    }
 }
 
 void WindowErrorHost::showReport(const QString& report, const QString& screenshot)

@@ -1,6 +1,7 @@
 #include "registry/usechange/UseChangeCommand.h"
 
 #include "core/session/HalvarnSession.h"
+#include "framework/FileLock.h"
 #include "framework/IniFile.h"
 #include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/usechange/DocumentStatus.h"
@@ -13,7 +14,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QLockFile>
 #include <QTimer>
 
 #include <algorithm>
@@ -66,8 +66,6 @@ private:
 UseChangeCommand::UseChangeCommand(HalvarnSession& session, TdmIRZ_PLUS& registry, PrintCommands& prints)
     : session_(session), registry_(registry), prints_(prints)
 {}
-
-UseChangeCommand::~UseChangeCommand() = default;
 
 UseChangeResult UseChangeCommand::run()
 {
@@ -207,19 +205,16 @@ std::vector<UseChangeNotice> UseChangeCommand::setAsideUnchanged(std::vector<Use
 // Two runs sending from one data folder would each miss what the other sent.
 bool UseChangeCommand::lockJournal()
 {
-    journalLock_ = std::make_unique<QLockFile>(session_.dataFolder().useChangeJournal() + u".lock"_s);
-    journalLock_->setStaleLockTime(0); // a long run is not stale; a dead holder's lock is taken over
-    if (journalLock_->tryLock(JournalLockWaitMs))
+    try {
+        journalLock_.emplace(session_.dataFolder().useChangeJournal(),
+                             u"Zgłoszenia zmiany kierunku użytkowania wysyła już inne okno programu (PID %1). "
+                             u"Spróbuj ponownie, gdy skończy."_s,
+                             JournalLockWaitMs);
         return true;
-    qint64 pid = 0;
-    QString hostName, application;
-    journalLock_->getLockInfo(&pid, &hostName, &application);
-    session_.host().showMessage(
-        Caption,
-        u"Zgłoszenia zmiany kierunku użytkowania wysyła już inne okno programu (PID %1). Spróbuj ponownie, gdy "
-        u"skończy."_s.arg(pid),
-        MessageIcon::Warning);
-    return false;
+    } catch (const LockBusy& busy) {
+        session_.host().showMessage(Caption, busy.message(), MessageIcon::Warning);
+        return false;
+    }
 }
 
 // What the journal says of the last notice of each animal about to be sent.

@@ -1,16 +1,15 @@
 #pragma once
 
+#include "framework/FileLock.h"
 #include "registry/usechange/UseChangeJournal.h"
 #include "reports/PreparedReport.h"
 
 #include <QStringList>
 
-#include <memory>
 #include <optional>
 #include <vector>
 
 class HalvarnSession;
-class QLockFile;
 class PrintCommands;
 class TdmIRZ_PLUS;
 
@@ -47,9 +46,6 @@ struct UseChangeResult {
 class UseChangeCommand {
 public:
     UseChangeCommand(HalvarnSession& session, TdmIRZ_PLUS& registry, PrintCommands& prints);
-    ~UseChangeCommand();
-    UseChangeCommand(const UseChangeCommand&) = delete;
-    UseChangeCommand& operator=(const UseChangeCommand&) = delete;
 
     UseChangeResult run();
 
@@ -88,7 +84,7 @@ private:
     TdmIRZ_PLUS& registry_;
     PrintCommands& prints_;
     std::optional<UseChangeJournal> journal_;
-    std::unique_ptr<QLockFile> journalLock_;
+    std::optional<FileLock> journalLock_;
     UseChangeResult result_;
     QString producer_;
     QString code_; // the chosen direction

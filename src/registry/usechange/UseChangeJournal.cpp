@@ -1,12 +1,11 @@
 #include "registry/usechange/UseChangeJournal.h"
 
 #include "framework/Cp1250.h"
+#include "framework/SafeFile.h"
 
 #include <QDateTime>
 #include <QFile>
 #include <QStringList>
-
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -86,12 +85,11 @@ void UseChangeJournal::append(const UseChangeNotice& notice, JournalEvent event,
     QStringList line;
     for (const QString& field : fields)
         line.append(Field(field));
-    const QByteArray bytes = ToCp1250(line.join(u';') + u"\r\n"_s);
-    QFile file(path_);
-    const bool written = file.open(QIODevice::WriteOnly | QIODevice::Append) && file.write(bytes) == bytes.size() &&
-                         file.flush() && ::fsync(file.handle()) == 0;
-    if (!written)
-        throw JournalError(u"Nie można zapisać dziennika zgłoszeń \"%1\": %2"_s.arg(path_, file.errorString()));
+    try {
+        AppendDurably(path_, ToCp1250(line.join(u';') + u"\r\n"_s));
+    } catch (const FileWriteError& failure) {
+        throw JournalError(u"Nie można zapisać dziennika zgłoszeń: "_s + failure.message());
+    }
 }
 
 QHash<QString, EarlierNotice> UseChangeJournal::earlierNotices(const QSet<QString>& animals) const

@@ -8,6 +8,8 @@
 #include <QtEndian>
 
 #include <deque>
+#include <memory>
+#include <openssl/evp.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -48,6 +50,23 @@ QByteArray RecordWithId(qint32 id)
 qint32 IdAt(const QByteArray& file, int index)
 {
     return qFromLittleEndian<qint32>(file.constData() + index * ProducerRecordSize);
+}
+
+// How passwords were enciphered before nonces: AES-256-CTR whose counter block
+// starts with "KNTRHV02" and the record's ID.
+QByteArray FirstSchemeCipher(const QByteArray& key, qint32 id, const QByteArray& plain)
+{
+    unsigned char iv[16] = {'K', 'N', 'T', 'R', 'H', 'V', '0', '2'};
+    qToBigEndian(id, iv + 8);
+    const std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)> context(EVP_CIPHER_CTX_new(),
+                                                                                  EVP_CIPHER_CTX_free);
+    QByteArray out(plain.size(), '\0');
+    int length = 0;
+    EVP_EncryptInit_ex(context.get(), EVP_aes_256_ctr(), nullptr, reinterpret_cast<const unsigned char*>(key.data()),
+                       iv);
+    EVP_EncryptUpdate(context.get(), reinterpret_cast<unsigned char*>(out.data()), &length,
+                      reinterpret_cast<const unsigned char*>(plain.data()), static_cast<int>(plain.size()));
+    return out;
 }
 
 const QString SaveQuestion =
@@ -216,7 +235,9 @@ private Q_SLOTS:
         const QByteArray before = ReadAll(dataFile());
         QVERIFY(QDir(dir_.path()).mkpath(u"KNTRH_V002.SAV/blocked"_s));
         QVERIFY(!list->remove(1));
-        QCOMPARE(prompts_.messages, QStringList{u"Bląd tworzenia zabezpieczenia"_s});
+        QCOMPARE(prompts_.messages.size(), 1);
+        QVERIFY(prompts_.messages.front().startsWith(u"Bląd tworzenia zabezpieczenia\n\n"_s));
+        QVERIFY(prompts_.messages.front().contains(u"KNTRH_V002.SAV"_s));
         QCOMPARE(ReadAll(dataFile()), before);
     }
 
@@ -265,6 +286,63 @@ private Q_SLOTS:
         QCOMPARE(::stat(QFile::encodeName(file(u"KNTRH.KEY"_s)).constData(), &info), 0);
         QCOMPARE(info.st_mode & 0777, 0600u);
         QCOMPARE(openList()->entry(list->records()[0]).password, u"Zielonka7Kb2!"_s);
+    }
+
+    // Two passwords stored under one ID (an edit, or an ID taken again after a
+    // deletion) must not share a keystream: with one, the two enciphered texts
+    // would XOR to the XOR of the two passwords, readable without the key.
+    void noKeystreamIsUsedTwice()
+    {
+        const QByteArray first = "Pierwsze.haslo1";
+        const QByteArray second = "Drugie.haslo-22";
+        const auto list = openList();
+        list->add(Entry(u"A"_s, QString::fromLatin1(first)));
+        list->add(Entry(u"B"_s, QString::fromLatin1(first)));
+        const QByteArray original = list->records()[1].password;
+        QVERIFY(list->edit(2, Entry(u"B"_s, QString::fromLatin1(second))));
+        const QByteArray edited = list->records()[1].password;
+        QVERIFY(list->remove(2));
+        QCOMPARE(*list->add(Entry(u"C"_s, QString::fromLatin1(second))), 2);
+        const QByteArray reused = list->records()[1].password;
+        const auto xored = [](const QByteArray& a, const QByteArray& b) {
+            QByteArray out(a.size(), '\0');
+            for (qsizetype i = 0; i < a.size(); ++i)
+                out[i] = static_cast<char>(a[i] ^ b[i]);
+            return out;
+        };
+        QVERIFY(xored(original, edited) != xored(first, second));
+        QVERIFY(xored(original, reused) != xored(first, second));
+        QVERIFY(xored(list->records()[0].password, reused) != xored(first, second));
+        QCOMPARE(openList()->entry(list->records()[1]).password, QString::fromLatin1(second));
+        QCOMPARE(openList()->entry(list->records()[0]).password, QString::fromLatin1(first));
+    }
+
+    // A list written before nonces (each password under its record ID's
+    // keystream, a key file of the first kind) still reads, and takes nonces at
+    // its first write without losing a password.
+    void aListOfTheFirstSchemeIsMigrated()
+    {
+        const QByteArray key(32, '\x5a');
+        WriteAll(file(u"KNTRH.KEY"_s), "HALVARN KNTRH KEY 1\n" + key.toHex() + "\n");
+        QByteArray list;
+        for (const qint32 id : {1, 2}) {
+            ProducerRecord record;
+            record.id = id;
+            record.name = u"Stary %1"_s.arg(id);
+            record.password = FirstSchemeCipher(key, id, "Stare.haslo" + QByteArray::number(id));
+            list += EncodeProducerRecord(record);
+        }
+        WriteAll(dataFile(), list);
+        const auto opened = openList();
+        QVERIFY(prompts_.messages.isEmpty());
+        QCOMPARE(opened->entry(opened->records()[1]).password, u"Stare.haslo2"_s);
+        QVERIFY(opened->add(Entry(u"Nowy"_s)));
+        QVERIFY(opened->records()[0].password != DecodeProducerRecord(list.constData()).password);
+        QVERIFY(ReadAll(file(u"KNTRH.KEY"_s)).startsWith("HALVARN KNTRH KEY 2\n"));
+        const auto again = openList();
+        QCOMPARE(again->entry(again->records()[0]).password, u"Stare.haslo1"_s);
+        QCOMPARE(again->entry(again->records()[1]).password, u"Stare.haslo2"_s);
+        QCOMPARE(again->entry(again->records()[2]).password, u"Haslo.1"_s);
     }
 
     void unusableKey_data()
