@@ -1,7 +1,6 @@
 #include "registry/client/SingleAttemptPost.h"
 
 #include <QCoreApplication>
-#include <QUrl>
 
 #include <curl/curl.h>
 #include <memory>

@@ -25,10 +25,6 @@ public:
     using HalvarnError::HalvarnError;
 };
 
-// "TUKU.LOG": every notice is written before it is sent and every answer as
-// soon as it is read, one Windows-1250 line each, so what reached the registry
-// is known even after a crash or a power cut.
-//   date time;producer;herd;animal;TU_OLD;KU_OLD;TU_NEW;KU_NEW;event;document;text
 // What the journal says of the last notice sent for an animal.
 struct EarlierNotice {
     enum class Outcome {
@@ -45,6 +41,10 @@ struct EarlierNotice {
     bool mayStillApply() const { return outcome != Outcome::Settled; }
 };
 
+// "TUKU.LOG": every notice is written before it is sent and every answer as
+// soon as it is read, one Windows-1250 line each, so what reached the registry
+// is known even after a crash or a power cut.
+//   date time;producer;herd;animal;TU_OLD;KU_OLD;TU_NEW;KU_NEW;event;document;text
 class UseChangeJournal {
 public:
     UseChangeJournal(QString path, QString producer);
