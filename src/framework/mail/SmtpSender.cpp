@@ -1,5 +1,6 @@
 #include "framework/mail/SmtpSender.h"
 
+#include "framework/CurlHandles.h"
 #include "framework/HalvarnError.h"
 #include "framework/mail/ErrorMail.h"
 #include "framework/mail/MailSettings.h"
@@ -19,46 +20,16 @@ using namespace Qt::StringLiterals;
 namespace {
 using Outcome = SendResult::Outcome;
 
-class CurlGlobal {
-public:
-    CurlGlobal() { curl_global_init(CURL_GLOBAL_DEFAULT); }
-    ~CurlGlobal() { curl_global_cleanup(); }
-    CurlGlobal(const CurlGlobal&) = delete;
-    CurlGlobal& operator=(const CurlGlobal&) = delete;
-};
-
-void EnsureCurlGlobal()
-{
-    static const CurlGlobal global;
-}
-
-struct EasyDeleter {
-    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-};
 struct MimeDeleter {
     void operator()(curl_mime* mime) const { curl_mime_free(mime); }
 };
-struct ListDeleter {
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-};
-using Easy = std::unique_ptr<CURL, EasyDeleter>;
 using Mime = std::unique_ptr<curl_mime, MimeDeleter>;
-using StringList = std::unique_ptr<curl_slist, ListDeleter>;
 
 void Require(CURLcode code)
 {
     if (code != CURLE_OK)
         throw HalvarnError(
             u"Nie udało się przygotować wiadomości (%1)."_s.arg(QString::fromUtf8(curl_easy_strerror(code))));
-}
-
-void Append(StringList& list, const QByteArray& line)
-{
-    curl_slist* head = curl_slist_append(list.get(), line.constData());
-    if (!head)
-        throw std::bad_alloc();
-    static_cast<void>(list.release());
-    list.reset(head);
 }
 
 // What the transfer saw of the conversation, to tell why it failed. Only command
@@ -161,12 +132,12 @@ long Milliseconds(std::chrono::seconds duration)
 // Everything one transfer needs, alive until it ends.
 struct Transfer {
     Mime mime;
-    StringList headers;
-    StringList recipients;
+    CurlList headers;
+    CurlList recipients;
     Conversation conversation;
     char error[CURL_ERROR_SIZE] = {};
     // Last, so that it goes first: its clean-up may still say QUIT and use the rest.
-    Easy easy;
+    CurlEasy easy;
 };
 
 void SetUp(Transfer& transfer, const MailSettings& settings, const ErrorMail& mail)
@@ -184,10 +155,10 @@ void SetUp(Transfer& transfer, const MailSettings& settings, const ErrorMail& ma
         Require(curl_easy_setopt(easy, CURLOPT_PASSWORD, settings.password.toUtf8().constData()));
     }
     Require(curl_easy_setopt(easy, CURLOPT_MAIL_FROM, ('<' + mail.from.toLatin1() + '>').constData()));
-    Append(transfer.recipients, '<' + mail.to.toLatin1() + '>');
+    AppendCurlLine(transfer.recipients, '<' + mail.to.toLatin1() + '>');
     Require(curl_easy_setopt(easy, CURLOPT_MAIL_RCPT, transfer.recipients.get()));
     for (const QByteArray& line : mail.headerLines(QDateTime::currentDateTime()))
-        Append(transfer.headers, line);
+        AppendCurlLine(transfer.headers, line);
     Require(curl_easy_setopt(easy, CURLOPT_HTTPHEADER, transfer.headers.get()));
     transfer.mime = MimeOf(easy, mail);
     Require(curl_easy_setopt(easy, CURLOPT_MIMEPOST, transfer.mime.get()));

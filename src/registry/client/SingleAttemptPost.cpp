@@ -1,8 +1,9 @@
 #include "registry/client/SingleAttemptPost.h"
 
+#include "framework/CurlHandles.h"
+
 #include <QCoreApplication>
 
-#include <curl/curl.h>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -10,18 +11,10 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr int PollMs = 25;
 
-struct EasyDeleter {
-    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-};
 struct MultiDeleter {
     void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
 };
-struct ListDeleter {
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-};
-using Easy = std::unique_ptr<CURL, EasyDeleter>;
 using Multi = std::unique_ptr<CURLM, MultiDeleter>;
-using HeaderList = std::unique_ptr<curl_slist, ListDeleter>;
 
 // What arrives, bounded by the answer size limit.
 struct Arrival {
@@ -76,16 +69,11 @@ void Set(CURLcode code)
             u"Nie udało się przygotować zapytania (%1)"_s.arg(QString::fromUtf8(curl_easy_strerror(code))));
 }
 
-HeaderList HeadersOf(const QList<QByteArray>& lines)
+CurlList HeadersOf(const QList<QByteArray>& lines)
 {
-    HeaderList list;
-    for (const QByteArray& line : lines + QList<QByteArray>{"Expect:"}) {
-        curl_slist* head = curl_slist_append(list.get(), line.constData());
-        if (!head)
-            throw RegistryError(u"Nie udało się przygotować zapytania"_s);
-        static_cast<void>(list.release());
-        list.reset(head);
-    }
+    CurlList list;
+    for (const QByteArray& line : lines + QList<QByteArray>{"Expect:"})
+        AppendCurlLine(list, line);
     return list;
 }
 
@@ -166,12 +154,13 @@ void Collect(CURL* easy, CURLcode code, const Arrival& arrival, const QString& a
 SingleAttemptResult PostOnce(const QString& url, const QList<QByteArray>& headers, const QByteArray& body,
                              const ExchangeRules& rules)
 {
-    const Easy easy(curl_easy_init());
+    EnsureCurlGlobal();
+    const CurlEasy easy(curl_easy_init());
     const Multi multi(curl_multi_init());
     if (!easy || !multi)
         throw RegistryError(u"Nie udało się przygotować zapytania"_s);
     Arrival arrival{rules.maxAnswerBytes, false, {}, {}};
-    const HeaderList headerList = HeadersOf(headers);
+    const CurlList headerList = HeadersOf(headers);
     Configure(easy.get(), url.toUtf8(), headerList.get(), body, rules, arrival);
     curl_multi_add_handle(multi.get(), easy.get());
     SingleAttemptResult result;

@@ -1,7 +1,10 @@
 #include "registry/usechange/DocumentStatus.h"
 
+#include "registry/client/TdmIRZ_PLUS.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 
 #include <array>
 
@@ -49,4 +52,28 @@ OwningList<TDokumInfOgolneClass> DocumentsIn(const QByteArray& answer)
     const QString key = root.value(u"dokumenty").isArray() ? u"dokumenty"_s : u"listaDokumentow"_s;
     ParseList<TDokumInfOgolneClass>(root, key, list);
     return list;
+}
+
+ListedDocuments AskForDocuments(TdmIRZ_PLUS& registry, const QString& producer, const QString& number, QDate since,
+                                bool testBranch)
+{
+    QString answer;
+    try {
+        answer = registry.ListDocuments(producer, number, since.isValid() ? ToDateTime(since) : EmptyDate, EmptyDate,
+                                        testBranch);
+    } catch (const RequestCancelled&) {
+        throw;
+    } catch (const RegistryError& failure) {
+        return {{}, u"Serwer zgłosił błąd: "_s + failure.message()};
+    }
+    if (answer.startsWith(ErrorMarker))
+        return {{}, u"Serwer zgłosił błąd: "_s + answer.mid(ErrorMarker.size())};
+    const QJsonObject root = QJsonDocument::fromJson(answer.toUtf8()).object();
+    if (root.contains(u"komunikat"))
+        return {{}, u"Serwer zwrócił komunikat: "_s + root.value(u"komunikat").toString()};
+    try {
+        return {DocumentsIn(answer.toUtf8()), {}};
+    } catch (const std::exception& error) {
+        return {{}, QString::fromUtf8(error.what())};
+    }
 }

@@ -1,11 +1,7 @@
 #include "registry/usechange/EarlierNotices.h"
 
-#include "registry/client/TdmIRZ_PLUS.h"
 #include "registry/usechange/DocumentStatus.h"
 #include "registry/usechange/UseDirections.h"
-
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <cmath>
 
@@ -44,10 +40,6 @@ QString DocumentLine(const TDokumInfOgolneClass& document)
         .arg(DocumentStatusText(status));
 }
 
-QString ListFailure(const QString& why)
-{
-    return u"  (nie udało się pobrać listy dokumentów z rejestru: %1)"_s.arg(why);
-}
 } // namespace
 
 QString DescribeEarlier(const EarlierNotice& earlier)
@@ -70,26 +62,10 @@ QString ResendQuestion(const UseChangeNotice& notice, const EarlierNotice& earli
 
 QString DocumentsSince(TdmIRZ_PLUS& registry, const QString& producer, QDate from, bool testBranch)
 {
-    QString answer;
-    try {
-        answer =
-            registry.ListDocuments(producer, {}, from.isValid() ? ToDateTime(from) : EmptyDate, EmptyDate, testBranch);
-    } catch (const RequestCancelled&) {
-        throw;
-    } catch (const RegistryError& failure) {
-        return ListFailure(failure.message());
-    }
-    if (answer.startsWith(ErrorMarker))
-        return ListFailure(answer.mid(ErrorMarker.size()));
-    const QJsonObject root = QJsonDocument::fromJson(answer.toUtf8()).object();
-    if (root.contains(u"komunikat"))
-        return ListFailure(root.value(u"komunikat").toString());
-    OwningList<TDokumInfOgolneClass> documents;
-    try {
-        documents = DocumentsIn(answer.toUtf8());
-    } catch (const std::exception& error) {
-        return ListFailure(QString::fromUtf8(error.what()));
-    }
+    const ListedDocuments listed = AskForDocuments(registry, producer, {}, from, testBranch);
+    if (!listed.failure.isEmpty())
+        return u"  (nie udało się pobrać listy dokumentów z rejestru: %1)"_s.arg(listed.failure);
+    const OwningList<TDokumInfOgolneClass>& documents = listed.documents;
     if (documents.empty())
         return u"  (brak dokumentów)"_s;
     QStringList lines;

@@ -278,11 +278,8 @@ void UseChangeCommand::sendOne(const UseChangeNotice& notice)
     try {
         journal_->append(notice, JournalEvent::Sent);
     } catch (const JournalError& error) {
-        journalBroken_ = true;
-        result_.journalFailures.append(
+        return journalFailed(
             u"Nie wysłano zgłoszenia zwierzęcia %1 ani następnych: %2"_s.arg(notice.animal, error.message()));
-        session_.appendError(result_.journalFailures.back());
-        return;
     }
     ++sent_;
     step(u"Stado: "_s + notice.herd + u" - Wysyłanie zmiany"_s);
@@ -356,15 +353,21 @@ void UseChangeCommand::keepInJournal(const UseChangeNotice& notice, JournalEvent
     try {
         journal_->append(notice, event, document, text);
     } catch (const JournalError& error) {
-        journalBroken_ = true;
-        result_.journalFailures.append(
+        journalFailed(
             event == JournalEvent::Accepted
                 ? u"Zgłoszenie zwierzęcia %1 przyjęte przez rejestr jako %2, ale nie zapisano go w dzienniku: %3"_s.arg(
                       notice.animal, document, error.message())
                 : u"Odpowiedzi rejestru na zgłoszenie zwierzęcia %1 nie zapisano w dzienniku: %2"_s.arg(
                       notice.animal, error.message()));
-        session_.appendError(result_.journalFailures.back());
     }
+}
+
+// Nothing more is sent; the line goes with the result and under "Błąd".
+void UseChangeCommand::journalFailed(const QString& line)
+{
+    journalBroken_ = true;
+    result_.journalFailures.append(line);
+    session_.appendError(line);
 }
 
 void UseChangeCommand::appendRow(const UseChangeNotice& notice, const QString& komunikat, const QString& document,
@@ -442,26 +445,16 @@ void UseChangeCommand::checkStatus(int row)
                                  text("KU_NEW")};
     const QString document = text("NumerDokumentu");
     session_.SetStatusText(StatusPanel::Step, u"Stado: "_s + notice.herd + u" - sprawdz. statusu"_s);
-    QString answer;
+    ListedDocuments listed;
     try {
-        answer = registry_.ListDocuments(producer_, document, EmptyDate, EmptyDate, testBranch());
+        listed = AskForDocuments(registry_, producer_, document, {}, testBranch());
     } catch (const RequestCancelled&) {
         cancelled_ = true;
         return;
-    } catch (const RegistryError& failure) {
-        return statusFailed(notice, document, u"Serwer zgłosił błąd: "_s + failure.message());
     }
-    if (answer.startsWith(ErrorMarker))
-        return statusFailed(notice, document, u"Serwer zgłosił błąd: "_s + answer.mid(ErrorMarker.size()));
-    const QJsonObject root = QJsonDocument::fromJson(answer.toUtf8()).object();
-    if (root.contains(u"komunikat"))
-        return statusFailed(notice, document, u"Serwer zwrócił komunikat: "_s + root.value(u"komunikat").toString());
-    OwningList<TDokumInfOgolneClass> documents;
-    try {
-        documents = DocumentsIn(answer.toUtf8());
-    } catch (const std::exception& error) {
-        return statusFailed(notice, document, QString::fromUtf8(error.what()));
-    }
+    if (!listed.failure.isEmpty())
+        return statusFailed(notice, document, listed.failure);
+    const OwningList<TDokumInfOgolneClass>& documents = listed.documents;
     const auto found = std::find_if(documents.begin(), documents.end(),
                                     [&document](const auto& entry) { return entry->numerDokumentu == document; });
     if (found == documents.end())

@@ -68,6 +68,7 @@ private:
                 const QString& document = {}, const QString& errors = {});
     void tally(const UseChangeNotice& notice, JournalEvent event);
     void keepInJournal(const UseChangeNotice& notice, JournalEvent event, const QString& document, const QString& text);
+    void journalFailed(const QString& line);
     void appendRow(const UseChangeNotice& notice, const QString& komunikat, const QString& document,
                    const QString& errors);
     void waitForRegistry();

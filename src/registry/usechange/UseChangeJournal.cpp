@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QStringList>
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -32,25 +34,37 @@ bool FinalStatus(int code)
     return (code >= 7 && code <= 10) || code == 13 || code == 14;
 }
 
+std::optional<JournalEvent> EventNamed(const QString& name)
+{
+    for (const JournalEvent event : {JournalEvent::Sent, JournalEvent::Accepted, JournalEvent::Refused,
+                                     JournalEvent::Unconfirmed, JournalEvent::Status, JournalEvent::NotSent})
+        if (EventName(event) == name)
+            return event;
+    return std::nullopt;
+}
+
 // One line's event applied to the animal's last notice.
 void Apply(const QStringList& fields, EarlierNotice& notice)
 {
     using Outcome = EarlierNotice::Outcome;
-    const QString& event = fields[Event];
-    if (event == u"WYSLANO") {
+    switch (EventNamed(fields[Event]).value_or(JournalEvent::Status)) {
+    case JournalEvent::Sent:
         notice = {QDateTime::fromString(fields[When], u"yyyy-MM-dd HH:mm:ss"), fields[KuNew], {}, Outcome::Unanswered};
-    } else if (event == u"PRZYJETO") {
+        break;
+    case JournalEvent::Accepted:
         notice.document = fields[Document];
         notice.outcome = Outcome::AcceptedOpen;
-    } else if (event == u"NIEPOTWIERDZONO") {
-        notice.outcome = Outcome::Unconfirmed;
-    } else if (event == u"ODRZUCONO" || event == u"NIEWYSLANO") {
-        notice.outcome = Outcome::Settled;
-    } else if (event == u"STATUS" && fields[Document] == notice.document) {
+        break;
+    case JournalEvent::Unconfirmed: notice.outcome = Outcome::Unconfirmed; break;
+    case JournalEvent::Refused:
+    case JournalEvent::NotSent: notice.outcome = Outcome::Settled; break;
+    case JournalEvent::Status: {
         bool number = false;
         const int code = fields[Text].section(u' ', 0, 0).toInt(&number);
-        if (number && FinalStatus(code))
+        if (fields[Document] == notice.document && number && FinalStatus(code))
             notice.outcome = Outcome::Settled;
+        break;
+    }
     }
 }
 
